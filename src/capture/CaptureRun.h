@@ -1,0 +1,22 @@
+#pragma once
+
+#include "settings/mGeneralSettings.h"
+
+#include <QList>
+#include <QRect>
+
+class ScreenGrabber;
+class Clock;
+
+// What one capture run works from, taken on the GUI thread when the run starts.
+struct CaptureRunInput {
+    mGeneralSettings::Prefs prefs;
+    QList<QRect> screens; // primary first
+};
+
+namespace mCodeBaseStd {
+// One whole capture run: a progressive JPEG per wanted screen into the destination folder, then
+// the camera stage. Runs on a capture thread. Throws NilObjectException when a screen cannot be
+// grabbed; the files of earlier screens stay.
+void sTakePictures(const CaptureRunInput& input, ScreenGrabber& grabber, const Clock& clock);
+} // namespace mCodeBaseStd

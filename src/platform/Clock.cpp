@@ -1,0 +1,13 @@
+#include "platform/Clock.h"
+
+namespace {
+class SystemClock final : public Clock {
+public:
+    QDateTime now() const override { return QDateTime::currentDateTime(); }
+};
+} // namespace
+
+const Clock& systemClock() {
+    static const SystemClock clock;
+    return clock;
+}

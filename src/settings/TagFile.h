@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <cstdint>
+#include <optional>
+#include <utility>
+#include <vector>
+
+// Tag files: one `<key>value</key>` record per line, read by position.
+
+// A settings flag is set only when it reads "TRUE", in any letter case.
+bool isFlagSet(const QString& flag);
+// Val: the number at the start of a text (0 if none), truncated to a signed 32-bit integer.
+std::int32_t valToInt32(const QString& text);
+
+// The first `count` lines of a text file, an empty line for each line behind its end.
+// Empty when the file cannot be opened.
+std::optional<QStringList> readTagFileLines(const QString& path, int count);
+// Writes one record per pair, in order; the file is replaced whole or not at all.
+bool writeTagFile(const QString& path, const std::vector<std::pair<QString, QString>>& records);
+
+namespace mCodeBaseStd {
+// The text between the first "<key>" and the first "</key>" of `text`, tags found without regard
+// to letter case. A missing tag gives the empty string.
+QString fParseXMLTypeFile(const QString& text, const QString& key);
+} // namespace mCodeBaseStd

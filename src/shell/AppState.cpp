@@ -1,0 +1,6 @@
+#include "shell/AppState.h"
+
+AppState& App() {
+    static AppState state;
+    return state;
+}

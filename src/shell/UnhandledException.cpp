@@ -1,0 +1,11 @@
+#include "shell/UnhandledException.h"
+
+#include "shell/Messages.h"
+
+void Event_UnhandledException() noexcept {
+    try {
+        mCodeBaseStd::sDisplayWarningMessage("Unhandled Exception.  Contact Support ...");
+    } catch (...) {
+        // The warning itself failed; there is nobody left to tell.
+    }
+}
