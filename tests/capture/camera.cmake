@@ -1,0 +1,1 @@
+# Tests of the camera link and its frame windows join here.
