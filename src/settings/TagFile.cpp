@@ -1,0 +1,172 @@
+#include "settings/TagFile.h"
+
+#include <QFile>
+#include <QSaveFile>
+#include <QTextStream>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <string>
+
+namespace {
+bool isDigit(QChar c) {
+    return c >= u'0' && c <= u'9';
+}
+
+std::string takeDigits(const QString& text, qsizetype& pos) {
+    std::string digits;
+    while (pos < text.size() && isDigit(text[pos])) {
+        digits += char(text[pos].unicode());
+        ++pos;
+    }
+    return digits;
+}
+
+struct LeadingNumber {
+    std::string text; // in the form from_chars takes
+    bool negative = false;
+    long long order = 0; // rough power of ten of the magnitude, to tell overflow from underflow
+};
+
+// Blanks, an optional sign, digits with an optional fraction, an optional exponent.
+std::optional<LeadingNumber> leadingNumber(const QString& text) {
+    qsizetype pos = 0;
+    while (pos < text.size() && (text[pos] == u' ' || text[pos] == u'\t')) {
+        ++pos;
+    }
+    LeadingNumber number;
+    if (pos < text.size() && (text[pos] == u'+' || text[pos] == u'-')) {
+        number.negative = text[pos] == u'-';
+        ++pos;
+    }
+    const std::string integerDigits = takeDigits(text, pos);
+    std::string fractionDigits;
+    if (pos < text.size() && text[pos] == u'.') {
+        ++pos;
+        fractionDigits = takeDigits(text, pos);
+    }
+    if (integerDigits.empty() && fractionDigits.empty()) {
+        return std::nullopt;
+    }
+    number.text = (number.negative ? "-" : "") + integerDigits;
+    if (!fractionDigits.empty()) {
+        number.text += '.' + fractionDigits;
+    }
+
+    long long exponent = 0;
+    if (pos < text.size() && (text[pos] == u'e' || text[pos] == u'E')) {
+        qsizetype expPos = pos + 1;
+        bool negativeExponent = false;
+        if (expPos < text.size() && (text[expPos] == u'+' || text[expPos] == u'-')) {
+            negativeExponent = text[expPos] == u'-';
+            ++expPos;
+        }
+        const std::string expDigits = takeDigits(text, expPos);
+        if (!expDigits.empty()) {
+            number.text += (negativeExponent ? "e-" : "e") + expDigits;
+            // Only the order of magnitude is wanted from it, so a huge exponent is capped.
+            for (char d : expDigits) {
+                exponent = std::min(exponent * 10 + (d - '0'), 1'000'000LL);
+            }
+            if (negativeExponent) {
+                exponent = -exponent;
+            }
+        }
+    }
+
+    const auto firstSignificant = integerDigits.find_first_not_of('0');
+    if (firstSignificant != std::string::npos) {
+        number.order = static_cast<long long>(integerDigits.size() - firstSignificant) + exponent;
+    } else {
+        const auto zeros = fractionDigits.find_first_not_of('0');
+        number.order =
+            (zeros == std::string::npos ? -1'000'000LL : -static_cast<long long>(zeros)) + exponent;
+    }
+    return number;
+}
+} // namespace
+
+bool isFlagSet(const QString& flag) {
+    return flag.compare(u"TRUE", Qt::CaseInsensitive) == 0;
+}
+
+std::int32_t valToInt32(const QString& text) {
+    constexpr auto kMax = std::numeric_limits<std::int32_t>::max();
+    constexpr auto kMin = std::numeric_limits<std::int32_t>::min();
+    const auto number = leadingNumber(text);
+    if (!number) {
+        return 0;
+    }
+    double value = 0.0;
+    const auto result =
+        std::from_chars(number->text.data(), number->text.data() + number->text.size(), value);
+    if (result.ec == std::errc::result_out_of_range) {
+        if (number->order <= 0) {
+            return 0;
+        }
+        return number->negative ? kMin : kMax;
+    }
+    if (result.ec != std::errc()) {
+        return 0;
+    }
+    const double truncated = std::trunc(value);
+    if (truncated >= static_cast<double>(kMax)) {
+        return kMax;
+    }
+    if (truncated <= static_cast<double>(kMin)) {
+        return kMin;
+    }
+    return static_cast<std::int32_t>(truncated);
+}
+
+std::optional<QStringList> readTagFileLines(const QString& path, int count) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        return std::nullopt;
+    }
+    QTextStream in(&file);
+    // Always UTF-8: stray bytes at the start of a damaged file must not switch it to UTF-16.
+    in.setEncoding(QStringConverter::Utf8);
+    in.setAutoDetectUnicode(false);
+    QStringList lines;
+    lines.reserve(count);
+    for (int i = 0; i < count; ++i) {
+        // Behind the end of a short file readLine gives the empty string, as a blank line would.
+        lines.append(in.readLine());
+    }
+    return lines;
+}
+
+bool writeTagFile(const QString& path, const std::vector<std::pair<QString, QString>>& records) {
+    QString text;
+    for (const auto& [key, value] : records) {
+        text += u'<' + key + u'>' + value + QStringLiteral("</") + key + QStringLiteral(">\n");
+    }
+    // A crash or a full disk mid-write must not leave a short settings file behind.
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return false;
+    }
+    const QByteArray bytes = text.toUtf8();
+    if (file.write(bytes) != bytes.size()) {
+        file.cancelWriting();
+        return false;
+    }
+    return file.commit();
+}
+
+namespace mCodeBaseStd {
+QString fParseXMLTypeFile(const QString& text, const QString& key) {
+    // 1-based positions, 0 for no match; the close tag is searched from the start on its own.
+    const qsizetype p = text.indexOf(u'<' + key + u'>', 0, Qt::CaseInsensitive) + 1;
+    const qsizetype q = text.indexOf(QStringLiteral("</") + key + u'>', 0, Qt::CaseInsensitive) + 1;
+    const qsizetype start = p + key.size() + 2;
+    const qsizetype count = q - start;
+    if (count < 0) {
+        return {};
+    }
+    return text.mid(start - 1, count);
+}
+} // namespace mCodeBaseStd
