@@ -15,10 +15,14 @@ void show(MessageKind kind, const QString& heading, const QString& text) {
 }
 } // namespace
 
-void installMessagePresenter(MessagePresenter* presenter) { g_presenter.store(presenter); }
+void installMessagePresenter(MessagePresenter* presenter) {
+    g_presenter.store(presenter);
+}
 
 namespace mCodeBaseStd {
-void sDisplayWarningMessage(const QString& message) { show(MessageKind::Warning, "WARNING:", message); }
+void sDisplayWarningMessage(const QString& message) {
+    show(MessageKind::Warning, "WARNING:", message);
+}
 
 void sDisplayInformationMessage(const QString& message) {
     show(MessageKind::Information, "INFORMATION:", message);

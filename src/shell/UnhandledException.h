@@ -7,8 +7,7 @@ void Event_UnhandledException() noexcept;
 
 // Runs an event handler or timer action so that an escaping exception reaches
 // Event_UnhandledException instead of unwinding through the event loop.
-template <typename Fn>
-void runGuarded(Fn&& fn) noexcept {
+template <typename Fn> void runGuarded(Fn&& fn) noexcept {
     try {
         std::forward<Fn>(fn)();
     } catch (...) {

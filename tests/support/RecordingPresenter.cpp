@@ -1,8 +1,12 @@
 #include "support/RecordingPresenter.h"
 
-RecordingPresenter::RecordingPresenter() { installMessagePresenter(this); }
+RecordingPresenter::RecordingPresenter() {
+    installMessagePresenter(this);
+}
 
-RecordingPresenter::~RecordingPresenter() { installMessagePresenter(nullptr); }
+RecordingPresenter::~RecordingPresenter() {
+    installMessagePresenter(nullptr);
+}
 
 void RecordingPresenter::present(MessageKind kind, const QString& heading, const QString& text) {
     {

@@ -1,0 +1,93 @@
+#include "schedule/CaptureSchedule.h"
+
+#include "schedule/ScheduleHost.h"
+#include "schedule/ScheduleTimer.h"
+#include "settings/TagFile.h"
+#include "settings/mGeneralSettings.h"
+#include "shell/AppState.h"
+#include "shell/mCodeBaseGlv.h"
+
+namespace {
+constexpr std::int64_t kCountDownPeriodMs = 1000;
+// The last count the label shows; the warning comes with it, three seconds ahead.
+constexpr std::int64_t kWarningCount = 4;
+
+std::int64_t intervalMs(std::int32_t intervalSec) {
+    return std::int64_t{intervalSec} * 1000;
+}
+} // namespace
+
+CaptureSchedule::CaptureSchedule(ScheduleTimer& timCountDown, ScheduleTimer& timSnapShot, ScheduleHost& host,
+                                 AppState& app)
+    : m_timCountDown(timCountDown)
+    , m_timSnapShot(timSnapShot)
+    , m_host(host)
+    , m_app(app) {}
+
+void CaptureSchedule::SetupCountDownTimer() {
+    m_timCountDown.setPeriodMs(kCountDownPeriodMs);
+    m_host.setCountDownText(QString::number(mGeneralSettings::current().pInterval));
+    m_timCountDownLoop = 0;
+    m_timCountDown.setEnabled(true);
+}
+
+void CaptureSchedule::SetupSnapShotTimer() {
+    const std::int32_t interval = mGeneralSettings::current().pInterval;
+    if (m_timSnapShot.enabled() || interval <= 0 || !m_app.pActivateSnapShotTimer) {
+        return;
+    }
+    m_timSnapShot.setEnabled(true);
+    m_timSnapShot.setPeriodMs(intervalMs(interval));
+}
+
+void CaptureSchedule::CountDownAction() {
+    if (m_timSnapShot.enabled() && !m_app.pSpecialWindowOpen) {
+        const mGeneralSettings::Prefs prefs = mGeneralSettings::current();
+        --m_timCountDownLoop;
+        const std::int64_t remaining = std::int64_t{prefs.pInterval} + m_timCountDownLoop;
+        if (remaining > 3) {
+            m_host.setCountDownVisible(isFlagSet(prefs.pShowCountdown));
+            m_host.setCountDownText(QString::number(remaining));
+        } else {
+            m_host.setCountDownVisible(false);
+        }
+        if (remaining == kWarningCount && isFlagSet(prefs.pThreeSecondWarning)) {
+            m_host.speak("In Three Seconds");
+        }
+        m_host.refresh();
+    }
+    if (!m_timSnapShot.enabled()) {
+        SetupSnapShotTimer();
+    }
+}
+
+void CaptureSchedule::SnapShotAction() {
+    if (m_app.pSpecialWindowOpen) {
+        return;
+    }
+    try {
+        m_timCountDown.setEnabled(false);
+        m_host.showWhitePicture();
+        m_host.refresh();
+        m_host.drawNoteIcon();
+        const mGeneralSettings::Prefs prefs = mGeneralSettings::current();
+        if (isFlagSet(prefs.pUseCamera) && mCodeBaseGlv::pVideoGoodToGo) {
+            m_host.speak(prefs.pTextToSpeak);
+        }
+        m_host.startCaptureRun();
+        m_host.resetDockIcon();
+        m_host.showLogoPicture();
+        m_host.refresh();
+        SetupCountDownTimer();
+        m_host.setCountDownVisible(isFlagSet(mGeneralSettings::current().pShowCountdown));
+    } catch (...) {
+        // Deliberately silent: the next expiry starts over, and a dialog at every interval would
+        // pile up while nobody is at the machine.
+    }
+}
+
+void CaptureSchedule::ResetCountsAfterPrefs() {
+    const std::int32_t interval = mGeneralSettings::current().pInterval;
+    m_timSnapShot.setPeriodMs(intervalMs(interval));
+    m_host.setCountDownText(QString::number(interval));
+}

@@ -1,0 +1,170 @@
+#include "schedule/wMain.h"
+
+#include "capture/CameraLink.h"
+#include "capture/CaptureRunner.h"
+#include "feedback/DockIcon.h"
+#include "feedback/Speech.h"
+#include "feedback/WindowTransition.h"
+#include "platform/screen/ScreenList.h"
+#include "schedule/WindowSettings.h"
+#include "settings/TagFile.h"
+#include "settings/mGeneralSettings.h"
+#include "settings/mScreenSettings.h"
+#include "shell/AppState.h"
+#include "shell/Resources.h"
+#include "shell/UnhandledException.h"
+
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QLabel>
+
+namespace {
+constexpr QSize kMinimumSize(200, 193);
+constexpr QRect kCountDownFrame(20, 158, 100, 20);
+
+wMain* g_instance = nullptr;
+
+Qt::WindowFlags mainWindowFlags() {
+    return Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+           Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint;
+}
+
+QLabel* makeCountDownLabel(QWidget* parent) {
+    auto* label = new QLabel("...", parent);
+    label->setObjectName("sttCountDown");
+    label->setGeometry(kCountDownFrame);
+    QFont font("Verdana");
+    font.setBold(true);
+    font.setPointSize(12);
+    label->setFont(font);
+    label->setStyleSheet("color: #4c4c4c;");
+    label->hide();
+    return label;
+}
+} // namespace
+
+wMain::wMain(CaptureRunner& runner)
+    : QWidget(nullptr, mainWindowFlags())
+    , m_runner(runner)
+    , m_ImageWell1(new QLabel(this))
+    , m_sttCountDown(makeCountDownLabel(m_ImageWell1))
+    , m_schedule(m_timCountDown, m_timSnapShot, *this, App()) {
+    setWindowTitle("Kestrelview");
+    setMinimumSize(kMinimumSize);
+    setFixedSize(kMinimumSize);
+    m_ImageWell1->setObjectName("ImageWell1");
+    m_ImageWell1->setGeometry(QRect(QPoint(0, 0), kMinimumSize));
+    m_ImageWell1->setAlignment(Qt::AlignCenter);
+    showLogoPicture();
+
+    connect(&m_timCountDown.timer(), &QTimer::timeout, this, &wMain::timCountDown_Action);
+    connect(&m_timSnapShot.timer(), &QTimer::timeout, this, &wMain::timSnapShot_Action);
+    // The countdown ticks from the start; the interval timer waits for the schedule to arm it,
+    // so that a start cut short by an error never captures every second.
+    m_timCountDown.setEnabled(true);
+    g_instance = this;
+}
+
+wMain::~wMain() {
+    g_instance = nullptr;
+}
+
+wMain* wMain::instance() {
+    return g_instance;
+}
+
+void wMain::Event_Open() {
+    bool hidden = false;
+    runGuarded([&] {
+        if (mGeneralSettings::LoadPrefs()) {
+            m_sttCountDown->setVisible(isFlagSet(mGeneralSettings::current().pShowCountdown));
+        }
+        mScreenSettings::LoadPrefs();
+        sGetWindowSettings();
+        hidden = isFlagSet(mGeneralSettings::current().pHideWindow);
+        setVisible(!hidden);
+        m_timSnapShot.setEnabled(false);
+        if (isFlagSet(mGeneralSettings::current().pUseCamera)) {
+            mCodeBaseStd::sSetupVideoForCamera();
+        }
+        if (isFlagSet(mGeneralSettings::current().pUpdateAtStartup)) {
+            CheckForUpdates(false);
+        } else {
+            App().pActivateSnapShotTimer = true;
+        }
+        m_schedule.SetupCountDownTimer();
+        m_schedule.SetupSnapShotTimer();
+    });
+    if (!hidden && !isVisible()) {
+        show(); // the start was cut short before the window came up
+    }
+}
+
+void wMain::ResetCountsAfterPrefs() {
+    runGuarded([this] { m_schedule.ResetCountsAfterPrefs(); });
+}
+
+void wMain::closeEvent(QCloseEvent* event) {
+    runGuarded([this] {
+        fxWindowTransition(this, "WarpFade", "Right", 1, 0);
+        const QRect frame = geometry();
+        mScreenSettings::SavePrefs({frame.height(), frame.width(), frame.x(), frame.y()});
+    });
+    event->accept();
+    QCoreApplication::quit();
+}
+
+void wMain::CheckForUpdates(bool) {
+    // No update check yet; its end is what lets the first capture come.
+    App().pActivateSnapShotTimer = true;
+}
+
+void wMain::sGetWindowSettings() {
+    const QRect frame = restoredFrame(mScreenSettings::current(), kMinimumSize);
+    setFixedSize(frame.size());
+    setGeometry(frame);
+}
+
+void wMain::timCountDown_Action() {
+    runGuarded([this] { m_schedule.CountDownAction(); });
+}
+
+void wMain::timSnapShot_Action() {
+    runGuarded([this] { m_schedule.SnapShotAction(); });
+}
+
+void wMain::setCountDownVisible(bool visible) {
+    m_sttCountDown->setVisible(visible);
+}
+
+void wMain::setCountDownText(const QString& text) {
+    m_sttCountDown->setText(text);
+}
+
+void wMain::refresh() {
+    repaint();
+}
+
+void wMain::showWhitePicture() {
+    m_ImageWell1->setPixmap(white());
+}
+
+void wMain::showLogoPicture() {
+    m_ImageWell1->setPixmap(NewKestrelviewLogo());
+}
+
+void wMain::drawNoteIcon() {
+    mCodeBaseStd::sDrawNoteIconDock();
+}
+
+void wMain::resetDockIcon() {
+    mCodeBaseStd::sResetDockIcon();
+}
+
+void wMain::speak(const QString& text) {
+    mCodeBaseStd::sSpeakText(text);
+}
+
+void wMain::startCaptureRun() {
+    m_runner.Run(CaptureRunInput{mGeneralSettings::current(), screenAreas()});
+}

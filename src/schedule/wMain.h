@@ -1,0 +1,56 @@
+#pragma once
+
+#include "schedule/CaptureSchedule.h"
+#include "schedule/QtScheduleTimer.h"
+#include "schedule/ScheduleHost.h"
+
+#include <QWidget>
+
+class CaptureRunner;
+class QLabel;
+
+// The one window that lives as long as the program: the logo, the countdown and the two timers
+// of the capture schedule. Closing it ends the program.
+class wMain final : public QWidget, private ScheduleHost {
+    Q_OBJECT
+
+public:
+    explicit wMain(CaptureRunner& runner);
+    ~wMain() override;
+
+    // The one instance, or nullptr before it is made and after it is gone.
+    static wMain* instance();
+
+    // The real start of the program: settings, geometry, camera, update check, timers.
+    void Event_Open();
+    void ResetCountsAfterPrefs();
+
+    QLabel* sttCountDown() const { return m_sttCountDown; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void CheckForUpdates(bool interactive);
+    void sGetWindowSettings();
+    void timCountDown_Action();
+    void timSnapShot_Action();
+
+    // ScheduleHost
+    void setCountDownVisible(bool visible) override;
+    void setCountDownText(const QString& text) override;
+    void refresh() override;
+    void showWhitePicture() override;
+    void showLogoPicture() override;
+    void drawNoteIcon() override;
+    void resetDockIcon() override;
+    void speak(const QString& text) override;
+    void startCaptureRun() override;
+
+    CaptureRunner& m_runner;
+    QLabel* m_ImageWell1;
+    QLabel* m_sttCountDown;
+    QtScheduleTimer m_timCountDown;
+    QtScheduleTimer m_timSnapShot;
+    CaptureSchedule m_schedule;
+};
