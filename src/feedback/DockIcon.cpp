@@ -1,8 +1,127 @@
 #include "feedback/DockIcon.h"
 
-// No taskbar mark yet.
-namespace mCodeBaseStd {
-void sDrawNoteIconDock() {}
+#include "feedback/LauncherEntry.h"
 
-void sResetDockIcon() {}
+#include <QApplication>
+#include <QIcon>
+#include <QPainter>
+#include <QPixmap>
+#include <QPointer>
+#include <QStyle>
+#include <QSystemTrayIcon>
+#include <QThread>
+
+#include <xcb/xcb.h>
+
+#include <algorithm>
+
+namespace {
+constexpr int kTileSize = 128;
+constexpr int kIconSizeCap = 256;
+
+// The taskbar shows the application's window icon, so that icon is the tile. The plain icon is
+// remembered so that a reset gives it back even after several marks in a row.
+// It hangs from the application object so that its pixmaps go before the application does.
+class DockTile final : public QObject {
+public:
+    using QObject::QObject;
+
+    QIcon plain;
+    qint64 markedKey = 0;
+    QPointer<QSystemTrayIcon> tray;
+};
+
+DockTile& dockTile() {
+    static QPointer<DockTile> tile;
+    if (!tile) {
+        tile = new DockTile(qApp);
+    }
+    return *tile;
+}
+
+// Pixmaps and window icons belong to the GUI thread of a widget application.
+bool onGuiThread() {
+    return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr &&
+           QThread::currentThread() == qApp->thread();
+}
+
+QSize largestSize(const QIcon& icon) {
+    QSize best(kTileSize, kTileSize);
+    int bestArea = 0;
+    for (const QSize& size : icon.availableSizes()) {
+        if (size.width() * size.height() > bestArea && size.width() <= kIconSizeCap &&
+            size.height() <= kIconSizeCap) {
+            best = size;
+            bestArea = size.width() * size.height();
+        }
+    }
+    return best;
+}
+
+QIcon withNoteMark(const QIcon& plain) {
+    QPixmap tile = plain.isNull() ? QPixmap() : plain.pixmap(largestSize(plain));
+    if (tile.isNull()) {
+        tile = QPixmap(kTileSize, kTileSize);
+        tile.fill(Qt::transparent);
+    }
+    const QRect mark = noteMarkRect(tile.size());
+    const QIcon note = QApplication::style()->standardIcon(QStyle::SP_MessageBoxInformation);
+    QPainter painter(&tile);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawPixmap(mark, note.pixmap(mark.size()));
+    painter.end();
+    return QIcon(tile);
+}
+
+// Puts the icon on the screen now rather than at the next turn of the event loop.
+void showIcon(const QIcon& icon) {
+    DockTile& tile = dockTile();
+    if (!tile.tray && QSystemTrayIcon::isSystemTrayAvailable()) {
+        tile.tray = new QSystemTrayIcon(&tile);
+        tile.tray->show();
+    }
+    QApplication::setWindowIcon(icon);
+    if (tile.tray) {
+        tile.tray->setIcon(icon);
+    }
+    if (auto* x11 = qApp->nativeInterface<QNativeInterface::QX11Application>()) {
+        xcb_flush(x11->connection());
+    }
+}
+} // namespace
+
+QRect noteMarkRect(QSize iconSize) {
+    const double scale = static_cast<double>(std::max(iconSize.width(), iconSize.height())) / kTileSize;
+    const int noteSize = QApplication::style()->pixelMetric(QStyle::PM_MessageBoxIconSize);
+    return QRect(qRound(15 * scale), qRound(16 * scale), qRound(noteSize * scale), qRound(noteSize * scale));
+}
+
+namespace mCodeBaseStd {
+void sDrawNoteIconDock() {
+    if (!onGuiThread()) {
+        return;
+    }
+    DockTile& tile = dockTile();
+    const QIcon current = QApplication::windowIcon();
+    if (current.cacheKey() != tile.markedKey) {
+        tile.plain = current;
+    }
+    const QIcon marked = withNoteMark(tile.plain);
+    tile.markedKey = marked.cacheKey();
+    showIcon(marked);
+    setLauncherUrgent(true);
+}
+
+void sResetDockIcon() {
+    if (!onGuiThread()) {
+        return;
+    }
+    DockTile& tile = dockTile();
+    // Only our own mark is taken down: an icon that somebody else set since stays.
+    if (QApplication::windowIcon().cacheKey() == tile.markedKey) {
+        showIcon(tile.plain);
+        tile.markedKey = 0;
+    }
+    setLauncherUrgent(false);
+}
 } // namespace mCodeBaseStd
