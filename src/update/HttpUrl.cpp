@@ -1,0 +1,29 @@
+#include "update/HttpUrl.h"
+
+#include "update/HeaderBlock.h"
+
+HttpUrl parseHttpUrl(QByteArrayView url, int defaultPort) {
+    const qsizetype scheme = url.indexOf("://");
+    const QByteArrayView rest = scheme < 0 ? url : url.sliced(scheme + 3);
+    const qsizetype slash = rest.indexOf('/');
+
+    HttpUrl parsed;
+    parsed.server = (slash < 0 ? rest : rest.first(slash)).toByteArray();
+    parsed.path = slash < 0 ? QByteArray("/") : rest.sliced(slash).toByteArray();
+    const qsizetype colon = parsed.server.indexOf(':');
+    parsed.address = colon < 0 ? parsed.server : parsed.server.left(colon);
+    const int port = colon < 0 ? 0 : leadingInt32(QByteArrayView(parsed.server).sliced(colon + 1));
+    parsed.port = port == 0 ? defaultPort : port;
+    return parsed;
+}
+
+QByteArray encodeUrlString(QByteArrayView text) {
+    // "%" goes first, so that the escapes made after it survive.
+    static constexpr char kEscaped[] = "%&=,/\\][{}`~-_()*^$#!+;<>\r\n";
+    QByteArray encoded = text.toByteArray();
+    for (const char c : QByteArrayView(kEscaped)) {
+        const QByteArray escape = '%' + QByteArray(1, c).toHex().toUpper();
+        encoded.replace(c, escape);
+    }
+    return encoded.replace(' ', '+');
+}

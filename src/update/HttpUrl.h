@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayView>
+
+// A URL as the HTTP client reads it. The scheme is dropped, whatever it says: only plain TCP is
+// spoken. Nothing is unescaped or checked.
+struct HttpUrl {
+    QByteArray server;  // host with its port as written: the value of Host
+    QByteArray path;    // what follows the host, query included; "/" when empty
+    QByteArray address; // host to connect to
+    int port = 0;       // the URL's port, or the default
+};
+
+HttpUrl parseHttpUrl(QByteArrayView url, int defaultPort);
+
+// Form encoding: the characters %&=,/\][{}`~-_()*^$#!+;<> and CR, LF become %XX (capital hex
+// digits), then blanks become "+". Every other byte stays as it is.
+QByteArray encodeUrlString(QByteArrayView text);
