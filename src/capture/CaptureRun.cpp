@@ -1,0 +1,59 @@
+#include "capture/CaptureRun.h"
+
+#include "capture/CameraLink.h"
+#include "capture/CaptureFileName.h"
+#include "platform/Clock.h"
+#include "platform/FolderItem.h"
+#include "platform/jpeg/JpegFile.h"
+#include "platform/screen/ScreenGrabber.h"
+#include "settings/TagFile.h"
+#include "shell/Messages.h"
+#include "shell/NilObjectException.h"
+#include "shell/mCodeBaseGlv.h"
+
+#include <QDir>
+
+namespace {
+void takeScreen(const CaptureRunInput& input, int index, ScreenGrabber& grabber, const Clock& clock) {
+    // Only this screen's pixels are held; they go at the end of the pass.
+    const std::optional<Picture> picture =
+        index < input.screens.size() ? grabber.grab(input.screens.at(index)) : std::nullopt;
+    if (!picture || picture->isNull()) {
+        throw NilObjectException("screen " + std::to_string(index) + " could not be grabbed");
+    }
+    const QString name = captureFileName(captureStamp(clock.now()), QString::number(index));
+    // Asked anew for each screen, so a folder that went away during the run comes back.
+    const std::optional<QString> folder = GetFolderItem(input.prefs.pDestination);
+    if (!folder) {
+        return;
+    }
+    QDir().mkdir(*folder);
+    // A failed write leaves nothing behind and is not reported; the run goes on.
+    writeProgressiveJpeg(*picture, input.prefs.pQuality, QDir(*folder).filePath(name));
+}
+
+void takeCameraPhoto() {
+    if (!mCodeBaseGlv::pVideoGoodToGo.load()) {
+        // A link that is not ready costs this run its photograph; the next run can have one.
+        mCodeBaseStd::sSetupVideoForCamera();
+        return;
+    }
+    if (!mCodeBaseStd::sTakePhotoViaCamera()) {
+        mCodeBaseStd::sDisplayWarningMessage("Could Not Take Photograph ...");
+    }
+}
+} // namespace
+
+namespace mCodeBaseStd {
+void sTakePictures(const CaptureRunInput& input, ScreenGrabber& grabber, const Clock& clock) {
+    if (isFlagSet(input.prefs.pUseScreen)) {
+        const int count = isFlagSet(input.prefs.pPrimaryOnly) ? 1 : int(input.screens.size());
+        for (int index = 0; index < count; ++index) {
+            takeScreen(input, index, grabber, clock);
+        }
+    }
+    if (isFlagSet(input.prefs.pUseCamera)) {
+        takeCameraPhoto();
+    }
+}
+} // namespace mCodeBaseStd
