@@ -12,7 +12,8 @@
 
 // A settings flag is set only when it reads "TRUE", in any letter case.
 bool isFlagSet(const QString& flag);
-// Val: the number at the start of a text (0 if none), truncated to a signed 32-bit integer.
+// Val: the number at the start of a text (0 if none), truncated toward zero to a signed 32-bit
+// integer and held at its limits.
 std::int32_t valToInt32(const QString& text);
 
 // The first `count` lines of a text file, an empty line for each line behind its end.

@@ -36,6 +36,8 @@ TEST_F(ScreenSettings, NoFileLeavesValuesAndWritesNothing) {
 }
 
 TEST_F(ScreenSettings, ValuesThatAreNoNumbersReadAsZero) {
+    static constexpr char kBinaryBytes[] = "\0\xff\xfe<pWinHeight>\x80</pWinHeight>\n";
+    const QByteArray kBinary(kBinaryBytes, sizeof kBinaryBytes - 1);
     const struct {
         const char* name;
         QByteArray file;
@@ -50,7 +52,7 @@ TEST_F(ScreenSettings, ValuesThatAreNoNumbersReadAsZero) {
         {"huge numbers saturate",
          "<pWinHeight>1e12</pWinHeight>\n<pWinWidth>-99999999999</pWinWidth>\n\n\n",
          {2147483647, -2147483647 - 1, 0, 0}},
-        {"binary", QByteArray("\0\xff\xfe<pWinHeight>\x80</pWinHeight>\n", 32), {}},
+        {"binary", kBinary, {}},
     };
     for (const auto& c : cases) {
         SavePrefs({9, 9, 9, 9});
