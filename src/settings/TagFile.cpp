@@ -123,7 +123,7 @@ std::int32_t valToInt32(const QString& text) {
 
 std::optional<QStringList> readTagFileLines(const QString& path, int count) {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+    if (!file.open(QIODevice::ReadOnly)) {
         return std::nullopt;
     }
     QTextStream in(&file);

