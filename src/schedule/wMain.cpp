@@ -10,16 +10,24 @@
 #include "settings/TagFile.h"
 #include "settings/mGeneralSettings.h"
 #include "settings/mScreenSettings.h"
+#include "settings/wGeneralSettings.h"
 #include "shell/AppState.h"
+#include "shell/Menu.h"
 #include "shell/Resources.h"
 #include "shell/UnhandledException.h"
+#include "shell/wAbout.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
+#include <QDesktopServices>
 #include <QLabel>
+#include <QMenuBar>
+#include <QUrl>
+#include <QVBoxLayout>
 
 namespace {
-constexpr QSize kMinimumSize(200, 193);
+// The logo's area below the menu bar.
+constexpr QSize kImageWellSize(200, 193);
 constexpr QRect kCountDownFrame(20, 158, 100, 20);
 
 wMain* g_instance = nullptr;
@@ -50,12 +58,18 @@ wMain::wMain(CaptureRunner& runner)
     , m_sttCountDown(makeCountDownLabel(m_ImageWell1))
     , m_schedule(m_timCountDown, m_timSnapShot, *this, App()) {
     setWindowTitle("Kestrelview");
-    setMinimumSize(kMinimumSize);
-    setFixedSize(kMinimumSize);
+    // The menu bar lives in the window here, on top of the logo's area.
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->setMenuBar(Menu::instance());
+    layout->addWidget(m_ImageWell1, 0, Qt::AlignLeft | Qt::AlignTop);
+    setFixedSize(minimumFrameSize());
     m_ImageWell1->setObjectName("ImageWell1");
-    m_ImageWell1->setGeometry(QRect(QPoint(0, 0), kMinimumSize));
+    m_ImageWell1->setFixedSize(kImageWellSize);
     m_ImageWell1->setAlignment(Qt::AlignCenter);
     showLogoPicture();
+    AddMenuHandlers();
 
     connect(&m_timCountDown.timer(), &QTimer::timeout, this, &wMain::timCountDown_Action);
     connect(&m_timSnapShot.timer(), &QTimer::timeout, this, &wMain::timSnapShot_Action);
@@ -114,13 +128,56 @@ void wMain::closeEvent(QCloseEvent* event) {
     QCoreApplication::quit();
 }
 
+void wMain::AddMenuHandlers() {
+    m_menuHandlers.AddMenuHandler("QVTPreferences", [this] { return _QVTPreferences_Action(); });
+    m_menuHandlers.AddMenuHandler("HelpAbout", [this] { return _HelpAbout_Action(); });
+    m_menuHandlers.AddMenuHandler("FileCheckForUpdates", [this] { return _FileCheckForUpdates_Action(); });
+    // ToolsCreateSlideshowMovie stays unbound, and so not live, until the movie window exists.
+    m_menuHandlers.AddMenuHandler("HelpSendFeedback", [this] { return _HelpSendFeedback_Action(); });
+    m_menuHandlers.AddMenuHandler("HelpVisitourWebsite", [this] { return _HelpVisitourWebsite_Action(); });
+}
+
+// The two windows that suspend the schedule answer false, so that an application handler could
+// still have its turn.
+bool wMain::_QVTPreferences_Action() {
+    fxWindowTransition(this, "Flip", "Left", 1, 0);
+    bringToFront(wGeneralSettings::instance());
+    return false;
+}
+
+bool wMain::_HelpAbout_Action() {
+    fxWindowTransition(this, "Flip", "Left", 1, 0);
+    bringToFront(wAbout::instance());
+    return false;
+}
+
+bool wMain::_FileCheckForUpdates_Action() {
+    CheckForUpdates(true);
+    return true;
+}
+
+bool wMain::_HelpSendFeedback_Action() {
+    QDesktopServices::openUrl(QUrl(kSupportForumUrl));
+    return true;
+}
+
+bool wMain::_HelpVisitourWebsite_Action() {
+    QDesktopServices::openUrl(QUrl(kWebSiteUrl));
+    return true;
+}
+
+// The stored frame holds the whole window, menu bar included.
+QSize wMain::minimumFrameSize() const {
+    return kImageWellSize + QSize(0, layout()->menuBar()->heightForWidth(kImageWellSize.width()));
+}
+
 void wMain::CheckForUpdates(bool) {
     // No update check yet; its end is what lets the first capture come.
     App().pActivateSnapShotTimer = true;
 }
 
 void wMain::sGetWindowSettings() {
-    const QRect frame = restoredFrame(mScreenSettings::current(), kMinimumSize);
+    const QRect frame = restoredFrame(mScreenSettings::current(), minimumFrameSize());
     setFixedSize(frame.size());
     setGeometry(frame);
 }

@@ -3,15 +3,16 @@
 #include "schedule/CaptureSchedule.h"
 #include "schedule/QtScheduleTimer.h"
 #include "schedule/ScheduleHost.h"
+#include "shell/MenuCommands.h"
 
 #include <QWidget>
 
 class CaptureRunner;
 class QLabel;
 
-// The one window that lives as long as the program: the logo, the countdown and the two timers
-// of the capture schedule. Closing it ends the program.
-class wMain final : public QWidget, private ScheduleHost {
+// The one window that lives as long as the program: the menu bar, the logo, the countdown and
+// the two timers of the capture schedule. Closing it ends the program.
+class wMain final : public QWidget, public MenuHandlerHost, private ScheduleHost {
     Q_OBJECT
 
 public:
@@ -26,11 +27,19 @@ public:
     void ResetCountsAfterPrefs();
 
     QLabel* sttCountDown() const { return m_sttCountDown; }
+    const MenuHandlers& menuHandlers() const override { return m_menuHandlers; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    void AddMenuHandlers();
+    bool _QVTPreferences_Action();
+    bool _HelpAbout_Action();
+    bool _FileCheckForUpdates_Action();
+    bool _HelpSendFeedback_Action();
+    bool _HelpVisitourWebsite_Action();
+    QSize minimumFrameSize() const;
     void CheckForUpdates(bool interactive);
     void sGetWindowSettings();
     void timCountDown_Action();
@@ -53,4 +62,5 @@ private:
     QtScheduleTimer m_timCountDown;
     QtScheduleTimer m_timSnapShot;
     CaptureSchedule m_schedule;
+    MenuHandlers m_menuHandlers;
 };

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "shell/DialogWindow.h"
+
+class QButtonGroup;
+class QCheckBox;
+class QLineEdit;
+class QPlainTextEdit;
+class QPushButton;
+
+// The window in which the user changes the general settings. It edits nothing in place: the
+// store changes only on Save, and the capture schedule rests while the window is open.
+class wGeneralSettings final : public DialogWindow {
+    Q_OBJECT
+
+public:
+    // The window, made and filled in from the store if there is none.
+    static wGeneralSettings* instance();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    wGeneralSettings();
+    void Event_Open();
+    void btnSave_Action();
+    void btnCancel_Action();
+    void btnChoose1_Action();
+    void edtInterval_LostFocus();
+    void edtQuality_LostFocus();
+    void chkUseSpeech_Action(bool checked);
+    void rb1_Action(int index);
+
+    QString pCamImgSize;
+
+    QLineEdit* m_edtInterval;
+    QPlainTextEdit* m_edtDestination;
+    QPushButton* m_btnChoose1;
+    QLineEdit* m_edtQuality;
+    QCheckBox* m_chkUpdateStartup;
+    QCheckBox* m_chkThreeSecondWarning;
+    QCheckBox* m_chkUseSpeech;
+    QCheckBox* m_chkUseScreen;
+    QCheckBox* m_chkShowCountdown;
+    QCheckBox* m_chkPrimaryOnly;
+    QCheckBox* m_chkHideWindow;
+    QCheckBox* m_chkUseCamera;
+    QLineEdit* m_edtTextToSpeak;
+    QButtonGroup* m_rb1;
+    QPushButton* m_btnCancel;
+    QPushButton* m_btnSave;
+};
