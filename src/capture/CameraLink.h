@@ -1,8 +1,40 @@
 #pragma once
 
+#include "capture/GrabberSlot.h"
+#include "platform/Picture.h"
+#include "platform/camera/CameraGrabber.h"
+
+#include <functional>
+#include <memory>
+
+enum class FrameWindowKind {
+    Output,      // wOutput
+    OutputSmall, // wOutputSmall
+};
+
+// What the camera link is built from. The program installs its camera and frame windows at
+// start; until then the link finds no camera and shows nothing.
+struct CameraServices {
+    std::function<std::unique_ptr<CameraGrabber>()> makeGrabber;
+    // Shows a frame in a new frame window, which writes it when it closes. Called from any
+    // thread, it returns without waiting for the window.
+    std::function<void(Picture frame, FrameWindowKind kind)> showFrame;
+};
+// An empty member keeps what was there before.
+void installCameraServices(CameraServices services);
+
+namespace mCodeBaseGlv {
+// The one camera grabber, empty before the first set-up.
+extern GrabberSlot pQTGrabber;
+} // namespace mCodeBaseGlv
+
 namespace mCodeBaseStd {
 // Opens or reopens the camera link; sets mCodeBaseGlv::pVideoGoodToGo.
 void sSetupVideoForCamera();
 // Shows the newest camera frame in a frame window, which writes it when it closes. Always true.
 bool sTakePhotoViaCamera();
+// Open a wOutputSmall or a wOutput with the newest frame; nothing when there is no frame.
+// Throw NilObjectException before the first set-up.
+void sP_SMALLPhoto();
+void sP_OTHERPhoto();
 } // namespace mCodeBaseStd

@@ -1,0 +1,44 @@
+#include "capture/ProductCameraServices.h"
+
+#include "capture/FrameWindowSize.h"
+#include "capture/wOutput.h"
+#include "capture/wOutputSmall.h"
+#include "shell/UnhandledException.h"
+
+#include <QApplication>
+#include <QScreen>
+
+namespace {
+void openFrameWindow(Picture frame, FrameWindowKind kind, const Clock& clock) {
+    const QSize frameSize(frame.width, frame.height);
+    CameraFrameWindow* window = nullptr;
+    if (kind == FrameWindowKind::OutputSmall) {
+        window = new wOutputSmall(std::move(frame), clock);
+    } else {
+        window = new wOutput(std::move(frame), clock);
+    }
+    const QScreen* mainScreen = QGuiApplication::primaryScreen();
+    window->resize(mainScreen ? frameWindowSize(frameSize, mainScreen->geometry().size()) : frameSize);
+    window->show();
+}
+} // namespace
+
+void showCameraFrame(Picture frame, FrameWindowKind kind, const Clock& clock) {
+    if (!qApp) {
+        return;
+    }
+    // Queued even on the GUI thread, so that a capture run never waits for a window.
+    QMetaObject::invokeMethod(
+        qApp,
+        [frame = std::move(frame), kind, &clock] {
+            runGuarded([&] { openFrameWindow(frame, kind, clock); });
+        },
+        Qt::QueuedConnection);
+}
+
+void installProductCameraServices(const Clock& clock) {
+    installCameraServices({
+        [] { return makeCameraGrabber(); },
+        [&clock](Picture frame, FrameWindowKind kind) { showCameraFrame(std::move(frame), kind, clock); },
+    });
+}
