@@ -1,4 +1,5 @@
 #include "NginxServer.h"
+#include "SignalWait.h"
 #include "update/HTTPSocket.h"
 
 #include <QCryptographicHash>
@@ -133,7 +134,8 @@ TEST_F(NginxHttp, LargeFileStreamsToDiskWithProgress) {
                      });
     QObject::connect(&socket, &HTTPSocket::Error, [](int code) { ADD_FAILURE() << "error " << code; });
     socket.Get(originUrl("/large.bin"), target);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return completed; }, 20000));
+    ASSERT_TRUE(waitForSignal(&socket, &HTTPSocket::DownloadComplete, 20000));
+    EXPECT_TRUE(completed);
 
     EXPECT_GT(progressEvents, 10);
     EXPECT_TRUE(monotonic);

@@ -4,12 +4,14 @@
 
 #include <QAbstractSocket>
 #include <QDir>
+#include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 #include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -47,24 +49,40 @@ struct Events {
                 names.push_back("PageReceived");
                 pageStatus = status;
                 page = content;
-                done = true;
+                this->finish();
             });
         QObject::connect(&socket, &HTTPSocket::DownloadComplete,
                          [this](const QString&, int status, const InternetHeaders&, const QString&) {
                              names.push_back("DownloadComplete");
                              pageStatus = status;
-                             done = true;
+                             this->finish();
                          });
         QObject::connect(&socket, &HTTPSocket::Error, [this](int code) {
             names.push_back("Error");
             errors.push_back(code);
-            done = true;
+            this->finish();
         });
     }
 
+    // Runs the event loop until the exchange has ended.
     bool waitDone() {
-        return QTest::qWaitFor([this] { return done; }, 15000);
+        if (done)
+            return true;
+        QEventLoop loop;
+        waiting = &loop;
+        QTimer::singleShot(15000, &loop, &QEventLoop::quit);
+        loop.exec();
+        waiting = nullptr;
+        return done;
     }
+
+    void finish() {
+        done = true;
+        if (waiting)
+            waiting->quit();
+    }
+
+    QEventLoop* waiting = nullptr;
 
     std::vector<std::string> names;
     std::vector<std::pair<qint64, qint64>> progress;
@@ -363,6 +381,43 @@ TEST(HttpDownloadFile, FullDiskEndsTheDownloadWithErrorOne) {
     EXPECT_EQ(events.errors, std::vector<int>{1});
     EXPECT_FALSE(socket.IsConnected());
     EXPECT_LE(QFileInfo(target).size(), 1024 * 1024);
+}
+
+} // namespace
+
+namespace {
+
+TEST(HttpDownloadFile, BlockingDownloadReplacesTheFileWithTheBody) {
+    QByteArray body(3 * 1024 * 1024, '\0');
+    for (qsizetype i = 0; i < body.size(); ++i)
+        body[i] = static_cast<char>(i * 7 + i / 4096);
+    ScriptedServer server({respond(httpResponse("HTTP/1.0 200 OK", {}, body))});
+    QTemporaryDir dir;
+    const QString target = dir.filePath("update.zip");
+    QFile old(target);
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
+    old.write(QByteArray(4 * 1024 * 1024, 'o'));
+    old.close();
+
+    HTTPSocket socket;
+    EXPECT_TRUE(socket.Get(url(server, "/update.zip"), target, 5));
+    EXPECT_EQ(socket.ErrorCode(), 0);
+    QFile written(target);
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(written.readAll() == body);
+}
+
+TEST(HttpBlocking, YieldDecidesWhetherApplicationEventsRunDuringTheWait) {
+    ScriptedServer server({respond(kOk)});
+    for (const bool yield : {false, true}) {
+        HTTPSocket socket;
+        socket.Yield = yield;
+        bool ran = false;
+        QTimer::singleShot(0, [&ran] { ran = true; });
+        EXPECT_EQ(socket.Get(url(server, "/"), 5), "ok");
+        EXPECT_EQ(ran, yield);
+        QCoreApplication::processEvents();
+    }
 }
 
 } // namespace
