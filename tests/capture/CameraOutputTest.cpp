@@ -17,9 +17,11 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -199,6 +201,14 @@ TEST_F(CameraOutputTest, WindowClosedEarlyWritesAtOnceWithoutCarryIntoTheMinute)
     window->close();
     EXPECT_EQ(QDir(destination()).entryList(QDir::Files), QStringList{"2026-03-07-09-06--02-Camera.jpg"});
     EXPECT_TRUE(m_presenter.texts().empty());
+}
+
+TEST_F(CameraOutputTest, EndOfTheProgramWritesTheFrameOnTheScreen) {
+    ASSERT_NE(open(twoColourFrame(200, 150), FrameWindowKind::OutputSmall), nullptr);
+    // exit(), unlike quit(), closes no window on its way out.
+    QTimer::singleShot(100, qApp, [] { QCoreApplication::exit(0); });
+    QCoreApplication::exec();
+    EXPECT_TRUE(QFileInfo::exists(QDir(destination()).filePath("2026-03-07-09-05-02-Camera.jpg")));
 }
 
 TEST_F(CameraOutputTest, DestinationAndQualityAreReadAtClose) {
