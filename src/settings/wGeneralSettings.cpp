@@ -12,6 +12,7 @@
 #include <QCheckBox>
 #include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QFocusEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -104,7 +105,7 @@ bool lostFocus(const QEvent* event) {
 
 wGeneralSettings* wGeneralSettings::instance() {
     static QPointer<wGeneralSettings> window;
-    if (window.isNull()) {
+    if (window.isNull() || window->isClosed()) {
         window = new wGeneralSettings();
         window->Event_Open();
     }
@@ -236,8 +237,10 @@ void wGeneralSettings::btnCancel_Action() {
 
 void wGeneralSettings::btnChoose1_Action() {
     runGuarded([this] {
-        const QString start =
-            GetFolderItem(m_edtDestination->toPlainText()).value_or(platform::applicationFolder());
+        // The dialog opens on the destination, or where it would be made while it does not exist yet.
+        const QFileInfo destination(
+            GetFolderItem(m_edtDestination->toPlainText()).value_or(platform::applicationFolder()));
+        const QString start = destination.isDir() ? destination.filePath() : destination.path();
         const QString folder = QFileDialog::getExistingDirectory(this, QString(), start);
         if (!folder.isEmpty()) {
             m_edtDestination->setPlainText(QDir::toNativeSeparators(folder));

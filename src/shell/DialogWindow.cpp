@@ -1,5 +1,6 @@
 #include "shell/DialogWindow.h"
 
+#include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPushButton>
 
@@ -23,6 +24,11 @@ void DialogWindow::keyPressEvent(QKeyEvent* event) {
         return;
     }
     QWidget::keyPressEvent(event);
+}
+
+void DialogWindow::closeEvent(QCloseEvent* event) {
+    m_closed = true;
+    QWidget::closeEvent(event);
 }
 
 void bringToFront(QWidget* window) {

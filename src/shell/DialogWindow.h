@@ -14,12 +14,17 @@ class DialogWindow : public QWidget {
 public:
     DialogWindow(const QString& title, QSize size);
 
+    // Closed and on its way out; the accessor makes a new window rather than hand this one out.
+    bool isClosed() const { return m_closed; }
+
 protected:
     void setDefaultButton(QPushButton* button);
     void keyPressEvent(QKeyEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
 
 private:
     QPushButton* m_defaultButton = nullptr;
+    bool m_closed = false;
 };
 
 // Shows a window, brings it in front of the others and gives it the keyboard.

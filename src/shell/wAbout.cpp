@@ -44,7 +44,7 @@ QString fVersionLine() {
 
 wAbout* wAbout::instance() {
     static QPointer<wAbout> window;
-    if (window.isNull()) {
+    if (window.isNull() || window->isClosed()) {
         window = new wAbout();
         window->Event_Open();
     }
