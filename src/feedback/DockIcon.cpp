@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QMenu>
 #include <QPainter>
 #include <QPixmap>
 #include <QPointer>
@@ -73,13 +74,18 @@ QIcon withNoteMark(const QIcon& plain) {
     return QIcon(tile);
 }
 
+// The tray icon, made on first use where the desktop has a tray.
+void ensureTray(DockTile& tile) {
+    if (!tile.tray && QSystemTrayIcon::isSystemTrayAvailable()) {
+        tile.tray = new QSystemTrayIcon(QApplication::windowIcon(), &tile);
+        tile.tray->show();
+    }
+}
+
 // Puts the icon on the screen now rather than at the next turn of the event loop.
 void showIcon(const QIcon& icon) {
     DockTile& tile = dockTile();
-    if (!tile.tray && QSystemTrayIcon::isSystemTrayAvailable()) {
-        tile.tray = new QSystemTrayIcon(&tile);
-        tile.tray->show();
-    }
+    ensureTray(tile);
     QApplication::setWindowIcon(icon);
     if (tile.tray) {
         tile.tray->setIcon(icon);
@@ -125,3 +131,14 @@ void sResetDockIcon() {
     setLauncherUrgent(false);
 }
 } // namespace mCodeBaseStd
+
+void setDockMenu(QMenu* menu) {
+    if (!onGuiThread()) {
+        return;
+    }
+    DockTile& tile = dockTile();
+    ensureTray(tile);
+    if (tile.tray) {
+        tile.tray->setContextMenu(menu);
+    }
+}

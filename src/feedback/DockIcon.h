@@ -3,6 +3,8 @@
 #include <QRect>
 #include <QSize>
 
+class QMenu;
+
 namespace mCodeBaseStd {
 // Puts the note mark on the application's taskbar icon.
 void sDrawNoteIconDock();
@@ -13,3 +15,7 @@ void sResetDockIcon();
 // Where the note mark goes on an icon of `iconSize`: 15,16 on a 128-pixel tile, scaled, at the
 // style's message box icon size.
 QRect noteMarkRect(QSize iconSize);
+
+// Gives the tray icon a menu of its own, so that the program stays reachable with its windows
+// hidden. Without a tray on the desktop there is nowhere to put it, and nothing happens.
+void setDockMenu(QMenu* menu);

@@ -63,6 +63,7 @@ wMain::wMain(CaptureRunner& runner)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->setMenuBar(Menu::instance());
+    setDockMenu(Menu::instance()->trayMenu());
     layout->addWidget(m_ImageWell1, 0, Qt::AlignLeft | Qt::AlignTop);
     setFixedSize(minimumFrameSize());
     m_ImageWell1->setObjectName("ImageWell1");
