@@ -124,9 +124,3 @@ TEST_F(DockIconTest, ResetWithoutMarkLeavesTheIconAlone) {
     mCodeBaseStd::sResetDockIcon();
     EXPECT_EQ(taskbarIcon(m_window), m_plain);
 }
-
-TEST_F(DockIconTest, MarkScalesWithTheIcon) {
-    EXPECT_EQ(noteMarkRect(QSize(256, 256)).topLeft(), QPoint(30, 32));
-    EXPECT_EQ(noteMarkRect(QSize(64, 64)).topLeft(), QPoint(8, 8));
-    EXPECT_EQ(noteMarkRect(QSize(256, 256)).size(), noteMarkRect(QSize(128, 128)).size() * 2);
-}
