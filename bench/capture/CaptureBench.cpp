@@ -1,0 +1,224 @@
+// Times one capture of one screen (grab, encode, write, rename) against the plain progressive
+// encode of the same pixels, and against whole-process screenshot tools on the same display.
+// Usage: capture_bench [--paint IMAGE] [--memory] [--runs N] [--folder DIR]
+
+#include "capture/CaptureRun.h"
+#include "platform/Clock.h"
+#include "platform/jpeg/JpegFile.h"
+#include "platform/screen/ScreenGrabber.h"
+#include "platform/screen/ScreenList.h"
+#include "support/RootPainter.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QGuiApplication>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <vector>
+
+#include <jpeglib.h>
+
+namespace {
+constexpr int kQuality = 75;
+
+double timeMs(const std::function<void()>& work) {
+    QElapsedTimer timer;
+    timer.start();
+    work();
+    return double(timer.nsecsElapsed()) / 1e6;
+}
+
+double median(std::vector<double> times) {
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
+double medianMs(int runs, const std::function<void()>& work) {
+    std::vector<double> times;
+    for (int i = 0; i < runs; ++i) {
+        times.push_back(timeMs(work));
+    }
+    return median(times);
+}
+
+// The floor: libjpeg-turbo's own progressive script, straight from the grabbed memory into memory.
+std::size_t standardProgressiveEncode(const Picture& picture) {
+    jpeg_compress_struct info{};
+    jpeg_error_mgr errors{};
+    info.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&info);
+    unsigned char* buffer = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&info, &buffer, &size);
+    info.image_width = JDIMENSION(picture.width);
+    info.image_height = JDIMENSION(picture.height);
+    info.in_color_space = JCS_EXT_BGRX;
+    info.input_components = 4;
+    jpeg_set_defaults(&info);
+    jpeg_set_quality(&info, kQuality, TRUE);
+    jpeg_simple_progression(&info);
+    jpeg_start_compress(&info, TRUE);
+    while (info.next_scanline < info.image_height) {
+        JSAMPROW row =
+            const_cast<JSAMPROW>(picture.bits + std::size_t(info.next_scanline) * picture.strideBytes);
+        jpeg_write_scanlines(&info, &row, 1);
+    }
+    jpeg_finish_compress(&info);
+    jpeg_destroy_compress(&info);
+    std::free(buffer);
+    return size;
+}
+
+long statusKb(const char* field) {
+    QFile status("/proc/self/status");
+    if (!status.open(QIODevice::ReadOnly)) {
+        return -1;
+    }
+    for (const QByteArray& line : status.readAll().split('\n')) {
+        if (line.startsWith(field)) {
+            return line.mid(int(std::strlen(field))).trimmed().split(' ').value(0).toLong();
+        }
+    }
+    return -1;
+}
+
+// Fresh clock values so that every capture writes a file of its own.
+class CountingClock final : public Clock {
+public:
+    QDateTime now() const override { return QDateTime(QDate(2026, 1, 1), QTime(0, 0)).addSecs(m_count++); }
+
+private:
+    mutable int m_count = 0;
+};
+
+CaptureRunInput oneScreen(const QString& folder, const QRect& area) {
+    mGeneralSettings::Prefs prefs;
+    prefs.pDestination = folder;
+    prefs.pQuality = kQuality;
+    prefs.pUseScreen = "TRUE";
+    prefs.pPrimaryOnly = "FALSE";
+    prefs.pUseCamera = "FALSE";
+    return CaptureRunInput{prefs, {area}};
+}
+
+double processMs(int runs, const QString& program, const QStringList& arguments) {
+    bool ok = true;
+    const double ms = medianMs(runs, [&] {
+        QProcess process;
+        process.start(program, arguments);
+        ok = ok && process.waitForFinished(120000) && process.exitCode() == 0;
+    });
+    return ok ? ms : -1;
+}
+
+QString fileSizes(const QString& folder) {
+    QStringList sizes;
+    for (const QFileInfo& file : QDir(folder).entryInfoList(QDir::Files, QDir::Name)) {
+        sizes << QString::number(file.size() / 1024) + " KiB";
+    }
+    return sizes.join(", ");
+}
+} // namespace
+
+int main(int argc, char** argv) {
+    QGuiApplication app(argc, argv);
+    const QStringList args = app.arguments();
+    const int runs = args.contains("--runs") ? args.value(args.indexOf("--runs") + 1).toInt() : 7;
+    QTemporaryDir scratch;
+    const QString folder =
+        args.contains("--folder") ? args.value(args.indexOf("--folder") + 1) : scratch.path();
+
+    if (args.contains("--paint") && !paintRoot(QImage(args.value(args.indexOf("--paint") + 1)))) {
+        std::fprintf(stderr, "capture_bench: cannot paint the root window\n");
+        return 1;
+    }
+    const QList<QRect> screens = screenAreas();
+    const std::unique_ptr<ScreenGrabber> grabber = makeScreenGrabber();
+    CountingClock clock;
+    if (screens.isEmpty() || !grabber->grab(screens.first())) {
+        std::fprintf(stderr, "capture_bench: no X display to read\n");
+        return 1;
+    }
+    const QRect largest =
+        *std::max_element(screens.begin(), screens.end(), [](const QRect& a, const QRect& b) {
+            return a.width() * a.height() < b.width() * b.height();
+        });
+
+    if (args.contains("--memory")) {
+        const long idleKb = statusKb("VmRSS:");
+        QFile clearRefs("/proc/self/clear_refs");
+        const bool reset = clearRefs.open(QIODevice::WriteOnly) && clearRefs.write("5") == 1;
+        clearRefs.close();
+        mCodeBaseStd::sTakePictures(oneScreen(folder, largest), *grabber, clock);
+        const long peakKb = statusKb("VmHWM:");
+        std::printf("memory %dx%d: idle %.1f MB, peak %.1f MB, peak minus idle %.1f MB%s\n", largest.width(),
+                    largest.height(), idleKb / 1024.0, peakKb / 1024.0, (peakKb - idleKb) / 1024.0,
+                    reset ? "" : " (peak not reset: includes start-up)");
+        return 0;
+    }
+
+    std::printf("median of %d runs, quality %d, files in %s\n", runs, kQuality, qPrintable(folder));
+    for (const QRect& area : screens) {
+        const QString dir = QDir(folder).filePath(QString("%1x%2").arg(area.width()).arg(area.height()));
+        QDir().mkpath(dir);
+        const std::optional<Picture> pixels = grabber->grab(area);
+        // Taken in turns, so that whatever else the machine does weighs on each figure alike.
+        std::vector<double> floorTimes, grabTimes, writeTimes, captureTimes;
+        std::size_t floorSize = 0;
+        for (int i = 0; i < runs; ++i) {
+            floorTimes.push_back(timeMs([&] { floorSize = standardProgressiveEncode(*pixels); }));
+            grabTimes.push_back(timeMs([&] { grabber->grab(area); }));
+            writeTimes.push_back(
+                timeMs([&] { writeProgressiveJpeg(*pixels, kQuality, dir + "/written.jpg"); }));
+            captureTimes.push_back(
+                timeMs([&] { mCodeBaseStd::sTakePictures(oneScreen(dir, area), *grabber, clock); }));
+        }
+        const double floorMs = median(floorTimes);
+        const double grabMs = median(grabTimes);
+        const double writeMs = median(writeTimes);
+        const double captureMs = median(captureTimes);
+        const QString crop =
+            QString("%1x%2+%3+%4").arg(area.width()).arg(area.height()).arg(area.x()).arg(area.y());
+        const double importMs = processMs(
+            runs, "import",
+            {"-window", "root", "-crop", crop, "-quality", "75", "-interlace", "Plane", dir + "/import.jpg"});
+        const QString region =
+            QString("%1,%2,%3,%4").arg(area.x()).arg(area.y()).arg(area.width()).arg(area.height());
+        const double scrotMs = processMs(runs, "scrot", {"-o", "-q", "75", "-a", region, dir + "/scrot.jpg"});
+
+        std::printf("\n%dx%d at %d,%d\n", area.width(), area.height(), area.x(), area.y());
+        std::printf("  grab alone                 %8.1f ms\n", grabMs);
+        std::printf("  encode+write+rename alone  %8.1f ms\n", writeMs);
+        std::printf("  capture (grab+encode+file) %8.1f ms\n", captureMs);
+        std::printf("  floor: standard progressive encode in memory %8.1f ms (%zu KiB)\n", floorMs,
+                    floorSize / 1024);
+        std::printf("  import -crop, whole process %8.1f ms\n", importMs);
+        std::printf("  scrot -a, whole process     %8.1f ms\n", scrotMs);
+        std::printf("  capture / floor  = %.3f (target <= 1.15, stretch < 1)\n", captureMs / floorMs);
+        std::printf("  capture / import = %.3f (target <= 0.5)\n", captureMs / importMs);
+        std::printf("  capture / scrot  = %.3f\n", captureMs / scrotMs);
+        std::printf("  file sizes: %s\n", qPrintable(fileSizes(dir)));
+    }
+
+    const QString whole = QDir(folder).filePath("whole");
+    QDir().mkpath(whole);
+    const double runMs = medianMs(runs, [&] {
+        CaptureRunInput input = oneScreen(whole, {});
+        input.screens = screens;
+        mCodeBaseStd::sTakePictures(input, *grabber, clock);
+    });
+    const double importWholeMs = processMs(
+        runs, "import", {"-window", "root", "-quality", "75", "-interlace", "Plane", whole + "/import.jpg"});
+    const double scrotWholeMs = processMs(runs, "scrot", {"-o", "-q", "75", whole + "/scrot.jpg"});
+    std::printf(
+        "\nwhole display: capture run of every screen %.1f ms, import -window root %.1f ms, scrot %.1f ms\n",
+        runMs, importWholeMs, scrotWholeMs);
+    std::printf("  run / import = %.3f, run / scrot = %.3f\n", runMs / importWholeMs, runMs / scrotWholeMs);
+    return 0;
+}
