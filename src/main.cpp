@@ -1,1 +1,26 @@
-int main() { return 0; }
+#include "capture/CaptureRunner.h"
+#include "platform/Clock.h"
+#include "platform/screen/ScreenGrabber.h"
+#include "schedule/wMain.h"
+#include "shell/DialogPresenter.h"
+#include "shell/Kestrelview.h"
+
+int main(int argc, char** argv) {
+    DialogPresenter presenter; // outlives the capture runs that may still ask for a dialog
+    installMessagePresenter(&presenter);
+    Kestrelview app(argc, argv);
+    if (!app.Event_Open()) {
+        return 0;
+    }
+    const auto grabber = makeScreenGrabber();
+    CaptureRunner runner(*grabber, systemClock());
+    int status = 0;
+    {
+        wMain window(runner);
+        window.Event_Open();
+        status = Kestrelview::exec();
+        presenter.stopWaiting();
+    }
+    runner.waitForRuns(); // a run under way finishes its files before the program ends
+    return status;
+}
