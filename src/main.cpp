@@ -1,7 +1,9 @@
 #include "capture/CaptureRunner.h"
+#include "capture/ProductCameraServices.h"
 #include "platform/Clock.h"
 #include "platform/screen/ScreenGrabber.h"
 #include "schedule/wMain.h"
+#include "shell/ApplicationCommands.h"
 #include "shell/DialogPresenter.h"
 #include "shell/Kestrelview.h"
 
@@ -12,6 +14,8 @@ int main(int argc, char** argv) {
     if (!app.Event_Open()) {
         return 0;
     }
+    installProductCameraServices();
+    _ApplicationAddMenuHandlers();
     const auto grabber = makeScreenGrabber();
     CaptureRunner runner(*grabber, systemClock());
     int status = 0;

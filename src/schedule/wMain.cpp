@@ -123,7 +123,7 @@ void wMain::closeEvent(QCloseEvent* event) {
     runGuarded([this] {
         fxWindowTransition(this, "WarpFade", "Right", 1, 0);
         const QRect frame = geometry();
-        mScreenSettings::SavePrefs({frame.height(), frame.width(), frame.x(), frame.y()});
+        mScreenSettings::SavePrefs({frame.height() - menuBarHeight(), frame.width(), frame.x(), frame.y()});
     });
     event->accept();
     QCoreApplication::quit();
@@ -167,9 +167,14 @@ bool wMain::_HelpVisitourWebsite_Action() {
     return true;
 }
 
-// The stored frame holds the whole window, menu bar included.
+// The stored geometry is the logo's area and where the window's inside begins: the menu bar is
+// left out, as a desktop with a global menu bar has none in the window.
 QSize wMain::minimumFrameSize() const {
-    return kImageWellSize + QSize(0, layout()->menuBar()->heightForWidth(kImageWellSize.width()));
+    return kImageWellSize + QSize(0, menuBarHeight());
+}
+
+int wMain::menuBarHeight() const {
+    return layout()->menuBar()->heightForWidth(kImageWellSize.width());
 }
 
 void wMain::CheckForUpdates(bool) {
@@ -178,7 +183,8 @@ void wMain::CheckForUpdates(bool) {
 }
 
 void wMain::sGetWindowSettings() {
-    const QRect frame = restoredFrame(mScreenSettings::current(), minimumFrameSize());
+    const QRect frame =
+        restoredFrame(mScreenSettings::current(), kImageWellSize).adjusted(0, 0, 0, menuBarHeight());
     setFixedSize(frame.size());
     setGeometry(frame);
 }

@@ -40,6 +40,7 @@ private:
     bool _HelpSendFeedback_Action();
     bool _HelpVisitourWebsite_Action();
     QSize minimumFrameSize() const;
+    int menuBarHeight() const;
     void CheckForUpdates(bool interactive);
     void sGetWindowSettings();
     void timCountDown_Action();
