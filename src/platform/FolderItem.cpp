@@ -25,7 +25,9 @@ void setApplicationFolder(const QString& folder) {
     g_applicationFolder = folder;
 }
 
-QString resourcesFolder() { return QDir::cleanPath(applicationFolder() + "/../Resources"); }
+QString resourcesFolder() {
+    return QDir::cleanPath(applicationFolder() + "/../Resources");
+}
 } // namespace platform
 
 std::optional<QString> GetFolderItem(const QString& path) {
