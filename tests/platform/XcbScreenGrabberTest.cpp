@@ -62,6 +62,22 @@ TEST_P(XcbScreenGrabberTest, ThePictureOutlivesItsGrabber) {
     EXPECT_TRUE(samePixels(*picture, m_painted, area));
 }
 
+TEST_P(XcbScreenGrabberTest, APictureHeldKeepsItsPixelsThroughLaterGrabs) {
+    const QList<QRect> monitors = screenAreas();
+    const QRect small(10, 20, 300, 200);
+    // The big one is given back first and becomes the spare that the later grabs reuse.
+    m_grabber->grab(monitors.at(1));
+    const std::optional<Picture> held = m_grabber->grab(small);
+    ASSERT_TRUE(held);
+    for (const QRect& area : {monitors.at(0), monitors.at(1), small}) {
+        const std::optional<Picture> later = m_grabber->grab(area);
+        ASSERT_TRUE(later);
+        EXPECT_NE(later->bits, held->bits);
+        EXPECT_TRUE(samePixels(*later, m_painted, area));
+    }
+    EXPECT_TRUE(samePixels(*held, m_painted, small));
+}
+
 TEST_P(XcbScreenGrabberTest, AnAreaOffTheDisplayGivesNothingAndHarmsNoLaterGrab) {
     const QSize root = rootSize();
     for (const QRect& area : {QRect(root.width() - 10, 0, 20, 20), QRect(-5, 0, 10, 10), QRect(0, 0, 0, 10),

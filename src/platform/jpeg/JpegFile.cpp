@@ -11,6 +11,7 @@
 #include <memory>
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <unistd.h>
 
 // jpeglib.h needs FILE and size_t declared first.
@@ -150,8 +151,9 @@ bool writeProgressiveJpeg(const Picture& picture, int quality, const QString& pa
     }
     const QByteArray finalPath = QFile::encodeName(path);
     const std::unique_ptr<PartFile> part = PartFile::createFor(finalPath);
-    if (!part || !encode(picture, quality, part->stream())) {
-        return false;
-    }
-    return part->renameTo(finalPath);
+    const bool encoded = part && encode(picture, quality, part->stream());
+    // The coefficient buffers of a progressive encode are tens of megabytes; malloc would keep
+    // them for the next capture, minutes away.
+    ::malloc_trim(0);
+    return encoded && part->renameTo(finalPath);
 }

@@ -1,8 +1,12 @@
 #include "platform/screen/XcbScreenGrabber.h"
 
 #include <xcb/shm.h>
+#include <xcb/xcb.h>
 
+#include <atomic>
 #include <cstdlib>
+#include <mutex>
+#include <utility>
 
 #include <sys/ipc.h>
 #include <sys/shm.h>
@@ -12,6 +16,11 @@ template <typename T> struct FreeReply {
     void operator()(T* reply) const { std::free(reply); }
 };
 template <typename T> using ReplyPtr = std::unique_ptr<T, FreeReply<T>>;
+
+struct Disconnect {
+    void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
+};
+using ConnectionPtr = std::unique_ptr<xcb_connection_t, Disconnect>;
 
 constexpr int kBitsPerPixel = 32;
 
@@ -43,7 +52,97 @@ bool validArea(const QRect& area) {
     return area.width() > 0 && area.height() > 0 && area.x() >= 0 && area.y() >= 0 &&
            area.right() <= 0x7fff && area.bottom() <= 0x7fff;
 }
+
+// Memory that both we and the server have attached.
+struct Segment {
+    xcb_shm_seg_t id = 0;
+    std::uint8_t* address = nullptr;
+    std::size_t size = 0;
+};
 } // namespace
+
+struct XcbScreenGrabber::Server {
+    Server(ConnectionPtr connection, xcb_window_t root, int scanlinePadBits, bool sharedMemory)
+        : connection(std::move(connection))
+        , root(root)
+        , scanlinePadBits(scanlinePadBits)
+        , sharedMemory(sharedMemory) {}
+
+    // The server's side of the spare goes with the connection.
+    ~Server() {
+        if (spare) {
+            ::shmdt(spare->address);
+        }
+    }
+
+    int strideFor(int width) const {
+        const int bits = width * kBitsPerPixel;
+        return (bits + scanlinePadBits - 1) / scanlinePadBits * scanlinePadBits / 8;
+    }
+
+    // The spare when it is big enough, so that no two grabs ever hold the same segment.
+    std::optional<Segment> takeSegment(std::size_t size) {
+        {
+            std::lock_guard lock(mutex);
+            if (spare && spare->size >= size) {
+                return std::exchange(spare, std::nullopt);
+            }
+        }
+        return newSegment(size);
+    }
+
+    // Kept as the spare when it is the biggest yet, released otherwise.
+    void giveBack(const Segment& segment) {
+        std::optional<Segment> unwanted = segment;
+        {
+            std::lock_guard lock(mutex);
+            if (!spare || spare->size < segment.size) {
+                unwanted = std::exchange(spare, segment);
+            }
+        }
+        if (unwanted) {
+            release(*unwanted);
+        }
+    }
+
+    std::optional<Segment> newSegment(std::size_t size) {
+        const int id = ::shmget(IPC_PRIVATE, size, IPC_CREAT | 0600);
+        if (id < 0) {
+            return std::nullopt;
+        }
+        void* address = ::shmat(id, nullptr, 0);
+        if (address == reinterpret_cast<void*>(-1)) {
+            ::shmctl(id, IPC_RMID, nullptr);
+            return std::nullopt;
+        }
+        xcb_connection_t* c = connection.get();
+        const xcb_shm_seg_t segment = xcb_generate_id(c);
+        const ReplyPtr<xcb_generic_error_t> refused(
+            xcb_request_check(c, xcb_shm_attach_checked(c, segment, id, 0)));
+        // Marked for removal once the server holds it too, so that no crash can leave it behind.
+        ::shmctl(id, IPC_RMID, nullptr);
+        if (refused) {
+            // A server on another machine cannot reach our memory; stop asking it to.
+            sharedMemory.store(false);
+            ::shmdt(address);
+            return std::nullopt;
+        }
+        return Segment{segment, static_cast<std::uint8_t*>(address), size};
+    }
+
+    void release(const Segment& segment) {
+        xcb_shm_detach(connection.get(), segment.id);
+        xcb_flush(connection.get());
+        ::shmdt(segment.address);
+    }
+
+    const ConnectionPtr connection;
+    const xcb_window_t root;
+    const int scanlinePadBits;
+    std::atomic<bool> sharedMemory;
+    std::mutex mutex;
+    std::optional<Segment> spare;
+};
 
 std::unique_ptr<XcbScreenGrabber> XcbScreenGrabber::connect(Transport transport) {
     int screenNumber = 0;
@@ -65,87 +164,69 @@ std::unique_ptr<XcbScreenGrabber> XcbScreenGrabber::connect(Transport transport)
     }
     const bool sharedMemory =
         transport == Transport::SharedMemoryFirst && serverOffersSharedMemory(connection.get());
-    return std::unique_ptr<XcbScreenGrabber>(
-        new XcbScreenGrabber(std::move(connection), screens.data->root, format->scanline_pad, sharedMemory));
+    return std::unique_ptr<XcbScreenGrabber>(new XcbScreenGrabber(std::make_shared<Server>(
+        std::move(connection), screens.data->root, format->scanline_pad, sharedMemory)));
 }
 
-XcbScreenGrabber::XcbScreenGrabber(ConnectionPtr connection, xcb_window_t root, int scanlinePadBits,
-                                   bool sharedMemory)
-    : m_connection(std::move(connection))
-    , m_root(root)
-    , m_scanlinePadBits(scanlinePadBits)
-    , m_sharedMemory(sharedMemory) {}
+XcbScreenGrabber::XcbScreenGrabber(std::shared_ptr<Server> server)
+    : m_server(std::move(server)) {}
 
-int XcbScreenGrabber::strideFor(int width) const {
-    const int bits = width * kBitsPerPixel;
-    return (bits + m_scanlinePadBits - 1) / m_scanlinePadBits * m_scanlinePadBits / 8;
+XcbScreenGrabber::~XcbScreenGrabber() = default;
+
+bool XcbScreenGrabber::usesSharedMemory() const {
+    return m_server->sharedMemory.load();
 }
 
 std::optional<Picture> XcbScreenGrabber::grab(const QRect& area) {
-    if (!validArea(area) || xcb_connection_has_error(m_connection.get())) {
+    if (!validArea(area) || xcb_connection_has_error(m_server->connection.get())) {
         return std::nullopt;
     }
-    if (m_sharedMemory.load()) {
-        if (std::optional<Picture> picture = grabShared(area)) {
+    const int stride = m_server->strideFor(area.width());
+    if (m_server->sharedMemory.load()) {
+        if (std::optional<Picture> picture = grabShared(area, stride)) {
             return picture;
         }
     }
-    return grabDirect(area);
+    return grabDirect(area, stride);
 }
 
-// Each grab has its segment to itself, so two runs at once never write into each other's pixels,
-// and the segment goes when the last copy of the picture does.
-std::optional<Picture> XcbScreenGrabber::grabShared(const QRect& area) {
-    xcb_connection_t* connection = m_connection.get();
-    const int stride = strideFor(area.width());
+std::optional<Picture> XcbScreenGrabber::grabShared(const QRect& area, int stride) {
     const std::size_t size = std::size_t(stride) * std::size_t(area.height());
-    const int id = ::shmget(IPC_PRIVATE, size, IPC_CREAT | 0600);
-    if (id < 0) {
+    const std::optional<Segment> segment = m_server->takeSegment(size);
+    if (!segment) {
         return std::nullopt;
     }
-    void* address = ::shmat(id, nullptr, 0);
-    if (address == reinterpret_cast<void*>(-1)) {
-        ::shmctl(id, IPC_RMID, nullptr);
-        return std::nullopt;
-    }
-    const std::shared_ptr<void> memory(address, [](void* mapped) { ::shmdt(mapped); });
-
-    const xcb_shm_seg_t segment = xcb_generate_id(connection);
-    const ReplyPtr<xcb_generic_error_t> refused(
-        xcb_request_check(connection, xcb_shm_attach_checked(connection, segment, id, 0)));
-    // Marked for removal once the server holds it too, so that no crash can leave it behind.
-    ::shmctl(id, IPC_RMID, nullptr);
-    if (refused) {
-        // A server on another machine cannot reach our memory; stop asking it to.
-        m_sharedMemory.store(false);
-        return std::nullopt;
-    }
+    xcb_connection_t* c = m_server->connection.get();
     const ReplyPtr<xcb_shm_get_image_reply_t> reply(xcb_shm_get_image_reply(
-        connection,
-        xcb_shm_get_image(connection, m_root, std::int16_t(area.x()), std::int16_t(area.y()),
+        c,
+        xcb_shm_get_image(c, m_server->root, std::int16_t(area.x()), std::int16_t(area.y()),
                           std::uint16_t(area.width()), std::uint16_t(area.height()), ~0u,
-                          XCB_IMAGE_FORMAT_Z_PIXMAP, segment, 0),
+                          XCB_IMAGE_FORMAT_Z_PIXMAP, segment->id, 0),
         nullptr));
-    xcb_shm_detach(connection, segment);
-    xcb_flush(connection);
     if (!reply || reply->size < size) {
+        m_server->giveBack(*segment);
         return std::nullopt;
     }
-    return Picture{
-        area.width(), area.height(), stride, PixelLayout::Bgrx32, static_cast<const std::uint8_t*>(address),
-        memory};
+    const std::shared_ptr<void> owner(segment->address,
+                                      [server = std::weak_ptr<Server>(m_server), held = *segment](void*) {
+                                          if (const std::shared_ptr<Server> alive = server.lock()) {
+                                              alive->giveBack(held);
+                                          } else {
+                                              ::shmdt(held.address);
+                                          }
+                                      });
+    return Picture{area.width(), area.height(), stride, PixelLayout::Bgrx32, segment->address, owner};
 }
 
-std::optional<Picture> XcbScreenGrabber::grabDirect(const QRect& area) {
-    xcb_connection_t* connection = m_connection.get();
+std::optional<Picture> XcbScreenGrabber::grabDirect(const QRect& area, int stride) {
+    xcb_connection_t* c = m_server->connection.get();
     std::shared_ptr<xcb_get_image_reply_t> reply(
-        xcb_get_image_reply(connection,
-                            xcb_get_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, m_root,
+        xcb_get_image_reply(c,
+                            xcb_get_image(c, XCB_IMAGE_FORMAT_Z_PIXMAP, m_server->root,
                                           std::int16_t(area.x()), std::int16_t(area.y()),
                                           std::uint16_t(area.width()), std::uint16_t(area.height()), ~0u),
                             nullptr),
         FreeReply<xcb_get_image_reply_t>());
-    const int stride = strideFor(area.width());
     if (!reply || std::size_t(xcb_get_image_data_length(reply.get())) < std::size_t(stride) * area.height()) {
         return std::nullopt;
     }

@@ -2,39 +2,34 @@
 
 #include "platform/screen/ScreenGrabber.h"
 
-#include <xcb/xcb.h>
-
-#include <atomic>
 #include <memory>
 
 // Reads the root window of the X display straight from the server on a connection of its own,
-// through a fresh MIT-SHM segment per grab where the server can attach one, GetImage otherwise.
-// The picture is the server's BGRX memory itself; its owner frees the segment or the reply.
+// through MIT-SHM where the server can attach our memory, GetImage otherwise. The picture is the
+// server's BGRX memory itself; its owner gives the segment back, or frees the reply.
+//
+// One spare segment, the largest given back, stays attached between grabs: a fresh one costs
+// page faults on both sides of the socket that take longer than the copy itself.
 class XcbScreenGrabber final : public ScreenGrabber {
 public:
     enum class Transport { SharedMemoryFirst, GetImageOnly };
 
     // Empty when no X server answers or its pixels are not 32-bit BGRX.
     static std::unique_ptr<XcbScreenGrabber> connect(Transport transport = Transport::SharedMemoryFirst);
+    ~XcbScreenGrabber() override;
 
     std::optional<Picture> grab(const QRect& area) override;
     // False once the server has refused a segment, or when it never offered MIT-SHM.
-    bool usesSharedMemory() const { return m_sharedMemory.load(); }
+    bool usesSharedMemory() const;
 
 private:
-    struct Disconnect {
-        void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
-    };
-    using ConnectionPtr = std::unique_ptr<xcb_connection_t, Disconnect>;
+    struct Server;
+    explicit XcbScreenGrabber(std::shared_ptr<Server> server);
 
-    XcbScreenGrabber(ConnectionPtr connection, xcb_window_t root, int scanlinePadBits, bool sharedMemory);
+    std::optional<Picture> grabShared(const QRect& area, int stride);
+    std::optional<Picture> grabDirect(const QRect& area, int stride);
 
-    std::optional<Picture> grabShared(const QRect& area);
-    std::optional<Picture> grabDirect(const QRect& area);
-    int strideFor(int width) const;
-
-    ConnectionPtr m_connection;
-    xcb_window_t m_root;
-    int m_scanlinePadBits;
-    std::atomic<bool> m_sharedMemory;
+    // Shared with the pictures that hold its segments, so that one outliving the grabber can
+    // still be given back safely.
+    std::shared_ptr<Server> m_server;
 };
