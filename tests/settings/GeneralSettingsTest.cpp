@@ -2,6 +2,7 @@
 
 #include "AppFolder.h"
 #include "shell/NilObjectException.h"
+#include "support/DefaultPreferences.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -19,20 +20,6 @@ using namespace mGeneralSettings;
 namespace {
 const QString kFile = QStringLiteral("KestrelviewPreferences.ini");
 
-const QByteArray kDefaultFile = "<pInterval>300</pInterval>\n"
-                                "<pDestination>Screen Images</pDestination>\n"
-                                "<pQuality>75</pQuality>\n"
-                                "<pUpdateAtStartup>TRUE</pUpdateAtStartup>\n"
-                                "<pShowCountdown>TRUE</pShowCountdown>\n"
-                                "<pUseSpeech>TRUE</pUseSpeech>\n"
-                                "<pTextToSpeak>Say Cheese</pTextToSpeak>\n"
-                                "<pUseCamera>FALSE</pUseCamera>\n"
-                                "<pUseScreen>TRUE</pUseScreen>\n"
-                                "<pThreeSecondWarning>TRUE</pThreeSecondWarning>\n"
-                                "<pCamImgSize>MEDIUM</pCamImgSize>\n"
-                                "<pPrimaryOnly>FALSE</pPrimaryOnly>\n"
-                                "<pHideWindow>FALSE</pHideWindow>\n";
-
 bool operator==(const Prefs& a, const Prefs& b) {
     return toTexts(a) == toTexts(b);
 }
@@ -45,13 +32,13 @@ class GeneralSettings : public AppFolderTest {};
 
 TEST_F(GeneralSettings, FirstStartWritesTheDefaults) {
     EXPECT_FALSE(LoadPrefs());
-    EXPECT_EQ(readFile(kFile), kDefaultFile);
+    EXPECT_EQ(readFile(kFile), kDefaultPreferencesFile);
     EXPECT_TRUE(current() == defaults());
     EXPECT_EQ(entries(), QStringList{kFile}) << "no temporary file is left behind";
 }
 
 TEST_F(GeneralSettings, LoadReadsTheFileAndNeverWritesIt) {
-    QByteArray file = kDefaultFile;
+    QByteArray file = kDefaultPreferencesFile;
     file.replace("300", "2").replace("75", "500").replace("Say Cheese", "a<b>c").replace("MEDIUM", "large");
     writeFile(kFile, file);
     const QDateTime past = QDateTime::currentDateTimeUtc().addDays(-3);
@@ -81,7 +68,7 @@ TEST_F(GeneralSettings, DamagedFilesAreBelievedAsTheyRead) {
     swapped.pUseSpeech.clear();
     swapped.pTextToSpeak.clear();
 
-    QByteArray swappedFile = kDefaultFile;
+    QByteArray swappedFile = kDefaultPreferencesFile;
     swappedFile.replace("<pUseSpeech>TRUE</pUseSpeech>\n<pTextToSpeak>Say Cheese</pTextToSpeak>\n",
                         "<pTextToSpeak>Say Cheese</pTextToSpeak>\n<pUseSpeech>TRUE</pUseSpeech>\n");
     QByteArray garbage;
@@ -95,9 +82,9 @@ TEST_F(GeneralSettings, DamagedFilesAreBelievedAsTheyRead) {
         Prefs expected;
     } cases[] = {
         {"empty file", "", allLost},
-        {"twelve lines", withoutLastLine(kDefaultFile), twelveLines},
+        {"twelve lines", withoutLastLine(kDefaultPreferencesFile), twelveLines},
         // Each key then reads the line above its own record.
-        {"blank first line", "\n" + kDefaultFile, allLost},
+        {"blank first line", "\n" + kDefaultPreferencesFile, allLost},
         {"swapped pair of lines", swappedFile, swapped},
         {"binary garbage", garbage, allLost},
     };
@@ -167,7 +154,7 @@ TEST_F(GeneralSettings, FullDiskKeepsTheOldFile) {
     platform::setApplicationFolder(mountPoint);
     ASSERT_FALSE(LoadPrefs());
     const QByteArray before = readFile("small/" + kFile);
-    ASSERT_EQ(before, kDefaultFile);
+    ASSERT_EQ(before, kDefaultPreferencesFile);
 
     {
         QFile filler(mountPoint + "/filler");

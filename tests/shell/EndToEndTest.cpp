@@ -1,4 +1,5 @@
 // Starts the real program from a copy of its application folder, as a user would.
+#include "support/DefaultPreferences.h"
 #include "support/XWindows.h"
 
 #include <QDir>
@@ -18,19 +19,7 @@
 #include <functional>
 
 namespace {
-const QString kDefaultPreferences = "<pInterval>300</pInterval>\n"
-                                    "<pDestination>Screen Images</pDestination>\n"
-                                    "<pQuality>75</pQuality>\n"
-                                    "<pUpdateAtStartup>TRUE</pUpdateAtStartup>\n"
-                                    "<pShowCountdown>TRUE</pShowCountdown>\n"
-                                    "<pUseSpeech>TRUE</pUseSpeech>\n"
-                                    "<pTextToSpeak>Say Cheese</pTextToSpeak>\n"
-                                    "<pUseCamera>FALSE</pUseCamera>\n"
-                                    "<pUseScreen>TRUE</pUseScreen>\n"
-                                    "<pThreeSecondWarning>TRUE</pThreeSecondWarning>\n"
-                                    "<pCamImgSize>MEDIUM</pCamImgSize>\n"
-                                    "<pPrimaryOnly>FALSE</pPrimaryOnly>\n"
-                                    "<pHideWindow>FALSE</pHideWindow>\n";
+const QString kDefaultPreferences = QString::fromUtf8(kDefaultPreferencesFile);
 
 bool copyFolder(const QString& from, const QString& to) {
     QDir().mkpath(to);
