@@ -2,7 +2,7 @@
 # Runs the real program from a copy of its folder on a private display and reports
 #  - its CPU use while it waits between captures (one minute at the default 300-second interval),
 #  - its resident memory over many captures (one a second), to see whether it grows.
-# Usage: bench/soak/run.sh [CAPTURES]   (default 500; build first with scripts/build)
+# Usage: bench/soak/run.sh [CAPTURES]   (default 500; build first with KV_TESTS=ON scripts/build)
 set -euo pipefail
 root=$(cd "$(dirname "$0")/../.." && pwd)
 captures=${1:-500}
@@ -14,7 +14,8 @@ fi
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-cp -r "${KV_BUILD_DIR:-$root/build}/Kestrelview" "$work/app"
+build=${KV_BUILD_DIR:-$root/build}
+cp -r "$build/Kestrelview" "$work/app"
 bin=$work/app/bin
 pictures="$bin/Screen Images"
 
@@ -38,9 +39,8 @@ wait_for_count() { # n pid
 }
 
 # The desktop shows something that compresses like a photograph.
-convert -size 1920x1080 plasma:fractal -blur 0x1 "$work/desktop.png"
-display -window root "$work/desktop.png" &
-sleep 2
+convert -size 1920x1080 -seed 7 plasma:fractal "$work/desktop.png"
+"$build/bench/capture/capture_bench" --paint "$work/desktop.png" --memory >/dev/null
 
 write_prefs 300
 "$bin/kestrelview" &
