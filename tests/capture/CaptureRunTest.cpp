@@ -13,18 +13,9 @@
 #include <gtest/gtest.h>
 
 namespace {
-class CaptureRunTest : public ::testing::Test {
+class CaptureRunTest : public PaintedMonitorsTest {
 protected:
-    void SetUp() override {
-        m_screens = screenAreas();
-        ASSERT_EQ(m_screens.size(), 3);
-        ASSERT_TRUE(paintRoot(monitorPattern(rootSize(), m_screens)));
-        m_grabber = makeScreenGrabber();
-        platform::setApplicationFolder(m_dir.path());
-    }
-
     void run(const CaptureRunInput& input) { mCodeBaseStd::sTakePictures(input, *m_grabber, m_clock); }
-    QString destination() const { return m_dir.filePath("Screen Images"); }
 
     // Name, size, progressive frame and the pixels of monitor `index`.
     void expectScreenFile(const QString& name, int index) {
@@ -41,12 +32,6 @@ protected:
         EXPECT_TRUE(
             closeTo(jpeg->image.pixelColor(area.width() / 2, area.height() / 2), monitorColour(index), 12));
     }
-
-    QTemporaryDir m_dir;
-    QList<QRect> m_screens;
-    std::unique_ptr<ScreenGrabber> m_grabber;
-    SteppingClock m_clock{kStart};
-    RecordingPresenter m_presenter;
 };
 
 TEST_F(CaptureRunTest, EveryScreenGetsItsFileStampedAfterItsGrab) {

@@ -52,24 +52,7 @@ private:
     bool m_open = false;
 };
 
-class CaptureRunnerTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        m_screens = screenAreas();
-        ASSERT_EQ(m_screens.size(), 3);
-        ASSERT_TRUE(paintRoot(monitorPattern(rootSize(), m_screens)));
-        m_grabber = makeScreenGrabber();
-        platform::setApplicationFolder(m_dir.path());
-    }
-
-    QString destination() const { return m_dir.filePath("Screen Images"); }
-
-    QTemporaryDir m_dir;
-    QList<QRect> m_screens;
-    std::unique_ptr<ScreenGrabber> m_grabber;
-    SteppingClock m_clock{kStart};
-    RecordingPresenter m_presenter;
-};
+using CaptureRunnerTest = PaintedMonitorsTest;
 
 TEST_F(CaptureRunnerTest, RunReturnsAtOnceAndASecondRunWorksBesideTheFirst) {
     GatedGrabber gated(*m_grabber);

@@ -2,12 +2,19 @@
 
 #include "capture/CaptureRun.h"
 #include "platform/Clock.h"
+#include "platform/FolderItem.h"
 #include "platform/screen/ScreenGrabber.h"
+#include "platform/screen/ScreenList.h"
+#include "support/RecordingPresenter.h"
+#include "support/RootPainter.h"
 
 #include <QDir>
 #include <QTemporaryDir>
 
+#include <gtest/gtest.h>
+
 #include <atomic>
+#include <memory>
 
 // A clock that moves on one second each time it is read, so every name it stamps is its own.
 class SteppingClock final : public Clock {
@@ -38,3 +45,24 @@ inline CaptureRunInput screensInto(const QString& destination, const QList<QRect
 inline QStringList filesIn(const QString& folder) {
     return QDir(folder).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name);
 }
+
+// Three monitors, each showing its own known pattern, the real grabber, and a folder of the test's
+// own beside which bare destination names land.
+class PaintedMonitorsTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        m_screens = screenAreas();
+        ASSERT_EQ(m_screens.size(), 3);
+        ASSERT_TRUE(paintRoot(monitorPattern(rootSize(), m_screens)));
+        m_grabber = makeScreenGrabber();
+        platform::setApplicationFolder(m_dir.path());
+    }
+
+    QString destination() const { return m_dir.filePath("Screen Images"); }
+
+    QTemporaryDir m_dir;
+    QList<QRect> m_screens;
+    std::unique_ptr<ScreenGrabber> m_grabber;
+    SteppingClock m_clock{kStart};
+    RecordingPresenter m_presenter;
+};
