@@ -48,24 +48,24 @@ Menu* Menu::instance() {
 Menu::Menu()
     : m_trayMenu(new QMenu(this)) {
     setObjectName("Menu");
-    for (const MenuItemSpec& spec : menuBarItems()) {
-        const QString name = QString::fromLatin1(spec.name);
-        if (spec.parent == nullptr) {
-            addTopLevelMenu(name, spec.text);
+    for (const MenuItemSpec& entry : menuBarItems()) {
+        const QString name = QString::fromLatin1(entry.name);
+        if (entry.parent == nullptr) {
+            addTopLevelMenu(name, entry.text);
             continue;
         }
-        QMenu* menu = m_menus.at(QString::fromLatin1(spec.parent));
+        QMenu* menu = m_menus.at(QString::fromLatin1(entry.parent));
         QAction* action =
-            spec.kind == MenuItemKind::Separator ? menu->addSeparator() : menu->addAction(spec.text);
+            entry.kind == MenuItemKind::Separator ? menu->addSeparator() : menu->addAction(entry.text);
         action->setObjectName(name);
         action->setMenuRole(roleOf(name));
-        action->setShortcut(QKeySequence(QString::fromLatin1(spec.shortcut), QKeySequence::PortableText));
+        action->setShortcut(QKeySequence(QString::fromLatin1(entry.shortcut), QKeySequence::PortableText));
         // Quit works from whichever window is in front, as the toolkit's own item would.
-        if (spec.kind == MenuItemKind::Quit) {
+        if (entry.kind == MenuItemKind::Quit) {
             action->setShortcutContext(Qt::ApplicationShortcut);
         }
         connect(action, &QAction::triggered, this,
-                [this, name, kind = spec.kind] { itemTriggered(name, kind); });
+                [this, name, kind = entry.kind] { itemTriggered(name, kind); });
         m_items.emplace(name, action);
     }
     for (const char* name : kTrayItems) {
@@ -99,9 +99,9 @@ QMenu* Menu::addTopLevelMenu(const QString& name, const QString& text) {
 
 void Menu::refreshLiveItems() {
     const MenuHandlers* active = activeWindowHandlers();
-    for (const MenuItemSpec& spec : menuBarItems()) {
-        item(QString::fromLatin1(spec.name))
-            ->setEnabled(fMenuItemLive(spec, applicationMenuHandlers(), active));
+    for (const MenuItemSpec& entry : menuBarItems()) {
+        item(QString::fromLatin1(entry.name))
+            ->setEnabled(fMenuItemLive(entry, applicationMenuHandlers(), active));
     }
 }
 
