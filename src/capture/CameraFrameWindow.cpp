@@ -1,8 +1,8 @@
 #include "capture/CameraFrameWindow.h"
 
+#include "base/UnhandledException.h"
 #include "capture/CameraFrameFile.h"
 #include "platform/Clock.h"
-#include "shell/UnhandledException.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>

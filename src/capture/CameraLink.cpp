@@ -1,11 +1,11 @@
 #include "capture/CameraLink.h"
 
+#include "base/Messages.h"
+#include "base/NilObjectException.h"
+#include "base/mCodeBaseGlv.h"
 #include "capture/CamImgSize.h"
 #include "platform/camera/NullCameraGrabber.h"
 #include "settings/mGeneralSettings.h"
-#include "shell/Messages.h"
-#include "shell/NilObjectException.h"
-#include "shell/mCodeBaseGlv.h"
 
 #include <mutex>
 

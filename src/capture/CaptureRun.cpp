@@ -1,5 +1,8 @@
 #include "capture/CaptureRun.h"
 
+#include "base/Messages.h"
+#include "base/NilObjectException.h"
+#include "base/mCodeBaseGlv.h"
 #include "capture/CameraLink.h"
 #include "capture/CaptureFileName.h"
 #include "platform/Clock.h"
@@ -7,9 +10,6 @@
 #include "platform/jpeg/JpegFile.h"
 #include "platform/screen/ScreenGrabber.h"
 #include "settings/TagFile.h"
-#include "shell/Messages.h"
-#include "shell/NilObjectException.h"
-#include "shell/mCodeBaseGlv.h"
 
 #include <QDir>
 

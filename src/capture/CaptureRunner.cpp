@@ -1,6 +1,6 @@
 #include "capture/CaptureRunner.h"
 
-#include "shell/UnhandledException.h"
+#include "base/UnhandledException.h"
 
 #include <atomic>
 #include <list>

@@ -1,9 +1,9 @@
 #include "capture/ProductCameraServices.h"
 
+#include "base/UnhandledException.h"
 #include "capture/FrameWindowSize.h"
 #include "capture/wOutput.h"
 #include "capture/wOutputSmall.h"
-#include "shell/UnhandledException.h"
 
 #include <QApplication>
 #include <QScreen>

@@ -1,7 +1,7 @@
 #include "feedback/WindowTransition.h"
 
+#include "base/Messages.h"
 #include "feedback/TransitionCanvas.h"
-#include "shell/Messages.h"
 
 #include <QEventLoop>
 #include <QPointer>

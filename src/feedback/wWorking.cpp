@@ -1,9 +1,9 @@
 #include "feedback/wWorking.h"
 
+#include "base/AppState.h"
+#include "base/mCodeBaseGlv.h"
 #include "feedback/DockIcon.h"
 #include "feedback/WindowTransition.h"
-#include "shell/AppState.h"
-#include "shell/mCodeBaseGlv.h"
 
 #include <QApplication>
 #include <QCloseEvent>

@@ -1,11 +1,11 @@
 #include "schedule/CaptureSchedule.h"
 
+#include "base/AppState.h"
+#include "base/mCodeBaseGlv.h"
 #include "schedule/ScheduleHost.h"
 #include "schedule/ScheduleTimer.h"
 #include "settings/TagFile.h"
 #include "settings/mGeneralSettings.h"
-#include "shell/AppState.h"
-#include "shell/mCodeBaseGlv.h"
 
 namespace {
 constexpr std::int64_t kCountDownPeriodMs = 1000;

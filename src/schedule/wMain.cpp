@@ -1,5 +1,9 @@
 #include "schedule/wMain.h"
 
+#include "base/AppState.h"
+#include "base/Resources.h"
+#include "base/UnhandledException.h"
+#include "base/mProgramInfo.h"
 #include "capture/CameraLink.h"
 #include "capture/CaptureRunner.h"
 #include "feedback/DockIcon.h"
@@ -11,11 +15,6 @@
 #include "settings/mGeneralSettings.h"
 #include "settings/mScreenSettings.h"
 #include "settings/wGeneralSettings.h"
-#include "shell/AppState.h"
-#include "shell/Menu.h"
-#include "shell/Resources.h"
-#include "shell/UnhandledException.h"
-#include "shell/wAbout.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
@@ -62,8 +61,6 @@ wMain::wMain(CaptureRunner& runner)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->setMenuBar(Menu::instance());
-    setDockMenu(Menu::instance()->trayMenu());
     layout->addWidget(m_ImageWell1, 0, Qt::AlignLeft | Qt::AlignTop);
     setFixedSize(minimumFrameSize());
     m_ImageWell1->setObjectName("ImageWell1");
@@ -119,6 +116,11 @@ void wMain::ResetCountsAfterPrefs() {
     runGuarded([this] { m_schedule.ResetCountsAfterPrefs(); });
 }
 
+void wMain::installMenuBar(QMenuBar* bar) {
+    layout()->setMenuBar(bar);
+    setFixedSize(minimumFrameSize());
+}
+
 void wMain::closeEvent(QCloseEvent* event) {
     runGuarded([this] {
         fxWindowTransition(this, "WarpFade", "Right", 1, 0);
@@ -131,25 +133,27 @@ void wMain::closeEvent(QCloseEvent* event) {
 
 void wMain::AddMenuHandlers() {
     m_menuHandlers.AddMenuHandler("QVTPreferences", [this] { return _QVTPreferences_Action(); });
-    m_menuHandlers.AddMenuHandler("HelpAbout", [this] { return _HelpAbout_Action(); });
     m_menuHandlers.AddMenuHandler("FileCheckForUpdates", [this] { return _FileCheckForUpdates_Action(); });
     // ToolsCreateSlideshowMovie stays unbound, and so not live, until the movie window exists.
     m_menuHandlers.AddMenuHandler("HelpSendFeedback", [this] { return _HelpSendFeedback_Action(); });
     m_menuHandlers.AddMenuHandler("HelpVisitourWebsite", [this] { return _HelpVisitourWebsite_Action(); });
 }
 
-// The two windows that suspend the schedule answer false, so that an application handler could
-// still have its turn.
+// A window that suspends the schedule answers false, so that an application handler could still
+// have its turn.
 bool wMain::_QVTPreferences_Action() {
     fxWindowTransition(this, "Flip", "Left", 1, 0);
-    bringToFront(wGeneralSettings::instance());
+    showSettingsWindow();
     return false;
 }
 
-bool wMain::_HelpAbout_Action() {
-    fxWindowTransition(this, "Flip", "Left", 1, 0);
-    bringToFront(wAbout::instance());
-    return false;
+wGeneralSettings* wMain::showSettingsWindow() {
+    wGeneralSettings* settings = wGeneralSettings::instance();
+    connect(settings, &wGeneralSettings::showCountdownChosen, m_sttCountDown, &QLabel::setVisible,
+            Qt::UniqueConnection);
+    connect(settings, &wGeneralSettings::saved, this, &wMain::ResetCountsAfterPrefs, Qt::UniqueConnection);
+    bringToFront(settings);
+    return settings;
 }
 
 bool wMain::_FileCheckForUpdates_Action() {
@@ -158,12 +162,12 @@ bool wMain::_FileCheckForUpdates_Action() {
 }
 
 bool wMain::_HelpSendFeedback_Action() {
-    QDesktopServices::openUrl(QUrl(kSupportForumUrl));
+    QDesktopServices::openUrl(QUrl(mProgramInfo::kSupportForumUrl));
     return true;
 }
 
 bool wMain::_HelpVisitourWebsite_Action() {
-    QDesktopServices::openUrl(QUrl(kWebSiteUrl));
+    QDesktopServices::openUrl(QUrl(mProgramInfo::kWebSiteUrl));
     return true;
 }
 
@@ -174,7 +178,8 @@ QSize wMain::minimumFrameSize() const {
 }
 
 int wMain::menuBarHeight() const {
-    return layout()->menuBar()->heightForWidth(kImageWellSize.width());
+    const QWidget* bar = layout()->menuBar();
+    return bar != nullptr ? bar->heightForWidth(kImageWellSize.width()) : 0;
 }
 
 void wMain::CheckForUpdates(bool) {

@@ -1,14 +1,16 @@
 #pragma once
 
+#include "base/MenuHandlers.h"
 #include "schedule/CaptureSchedule.h"
 #include "schedule/QtScheduleTimer.h"
 #include "schedule/ScheduleHost.h"
-#include "shell/MenuCommands.h"
 
 #include <QWidget>
 
 class CaptureRunner;
 class QLabel;
+class QMenuBar;
+class wGeneralSettings;
 
 // The one window that lives as long as the program: the menu bar, the logo, the countdown and
 // the two timers of the capture schedule. Closing it ends the program.
@@ -25,9 +27,15 @@ public:
     // The real start of the program: settings, geometry, camera, update check, timers.
     void Event_Open();
     void ResetCountsAfterPrefs();
+    // The settings window in front, its Save heard by this window.
+    wGeneralSettings* showSettingsWindow();
+    // The menu bar sits inside the window, above the logo's area.
+    void installMenuBar(QMenuBar* bar);
 
     QLabel* sttCountDown() const { return m_sttCountDown; }
     const MenuHandlers& menuHandlers() const override { return m_menuHandlers; }
+    // Where the program binds the commands that open its own windows.
+    MenuHandlers& menuHandlers() { return m_menuHandlers; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -35,7 +43,6 @@ protected:
 private:
     void AddMenuHandlers();
     bool _QVTPreferences_Action();
-    bool _HelpAbout_Action();
     bool _FileCheckForUpdates_Action();
     bool _HelpSendFeedback_Action();
     bool _HelpVisitourWebsite_Action();

@@ -1,8 +1,8 @@
 #include "settings/DeveloperFile.h"
 
+#include "base/mProgramInfo.h"
 #include "platform/FolderItem.h"
 #include "settings/TagFile.h"
-#include "shell/mProgramInfo.h"
 
 #include <QFileInfo>
 

@@ -1,9 +1,9 @@
 #include "settings/mGeneralSettings.h"
 
+#include "base/NilObjectException.h"
+#include "base/mProgramInfo.h"
 #include "platform/FolderItem.h"
 #include "settings/TagFile.h"
-#include "shell/NilObjectException.h"
-#include "shell/mProgramInfo.h"
 
 #include <mutex>
 #include <utility>

@@ -1,12 +1,11 @@
 #include "settings/wGeneralSettings.h"
 
+#include "base/AppState.h"
+#include "base/Messages.h"
+#include "base/UnhandledException.h"
 #include "platform/FolderItem.h"
-#include "schedule/wMain.h"
 #include "settings/TagFile.h"
 #include "settings/mGeneralSettings.h"
-#include "shell/AppState.h"
-#include "shell/Messages.h"
-#include "shell/UnhandledException.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -202,9 +201,7 @@ void wGeneralSettings::Event_Open() {
 
 void wGeneralSettings::btnSave_Action() {
     runGuarded([this] {
-        if (wMain* main = wMain::instance()) {
-            main->sttCountDown()->setVisible(m_chkShowCountdown->isChecked());
-        }
+        emit showCountdownChosen(m_chkShowCountdown->isChecked());
         mGeneralSettings::SavePrefs({
             m_edtInterval->text(),
             m_edtDestination->toPlainText(),
@@ -220,9 +217,7 @@ void wGeneralSettings::btnSave_Action() {
             flag(m_chkPrimaryOnly),
             flag(m_chkHideWindow),
         });
-        if (wMain* main = wMain::instance()) {
-            main->ResetCountsAfterPrefs();
-        }
+        emit saved();
         App().pSpecialWindowOpen = false;
         close();
     });
@@ -230,6 +225,7 @@ void wGeneralSettings::btnSave_Action() {
 
 void wGeneralSettings::btnCancel_Action() {
     runGuarded([this] {
+        emit cancelled();
         App().pSpecialWindowOpen = false;
         close();
     });

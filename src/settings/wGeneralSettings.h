@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/DialogWindow.h"
+#include "base/DialogWindow.h"
 
 class QButtonGroup;
 class QCheckBox;
@@ -16,6 +16,13 @@ class wGeneralSettings final : public DialogWindow {
 public:
     // The window, made and filled in from the store if there is none.
     static wGeneralSettings* instance();
+
+signals:
+    // Save was pressed: the countdown's visibility as chosen, told before the store is written.
+    void showCountdownChosen(bool visible);
+    // The store holds the values saved.
+    void saved();
+    void cancelled();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

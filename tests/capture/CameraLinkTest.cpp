@@ -1,9 +1,9 @@
 #include "capture/CameraLink.h"
+#include "base/mCodeBaseGlv.h"
+#include "base/mProgramInfo.h"
 #include "platform/FolderItem.h"
 #include "platform/camera/GstCameraGrabber.h"
 #include "settings/mGeneralSettings.h"
-#include "shell/mCodeBaseGlv.h"
-#include "shell/mProgramInfo.h"
 #include "support/RecordingPresenter.h"
 
 #include <QDir>

@@ -1,3 +1,5 @@
+#include "base/mCodeBaseGlv.h"
+#include "base/mProgramInfo.h"
 #include "capture/CameraFrameWindow.h"
 #include "capture/CameraLink.h"
 #include "capture/CaptureRun.h"
@@ -9,8 +11,6 @@
 #include "platform/jpeg/JpegFile.h"
 #include "platform/screen/ScreenGrabber.h"
 #include "settings/mGeneralSettings.h"
-#include "shell/mCodeBaseGlv.h"
-#include "shell/mProgramInfo.h"
 #include "support/RecordingPresenter.h"
 
 #include <QApplication>

@@ -1,10 +1,10 @@
 #include "feedback/Speech.h"
+#include "base/mProgramInfo.h"
 #include "feedback/SpeechQueue.h"
 #include "platform/FolderItem.h"
 #include "platform/speech/AlsaAudioOutput.h"
 #include "platform/speech/NullSpeechEngine.h"
 #include "settings/mGeneralSettings.h"
-#include "shell/mProgramInfo.h"
 
 #include <QElapsedTimer>
 #include <QTemporaryDir>

@@ -1,5 +1,5 @@
+#include "base/mCodeBaseGlv.h"
 #include "feedback/wWorking.h"
-#include "shell/mCodeBaseGlv.h"
 
 #include <QElapsedTimer>
 #include <QGuiApplication>

@@ -1,11 +1,11 @@
 #include "schedule/CaptureSchedule.h"
+#include "base/AppState.h"
+#include "base/mCodeBaseGlv.h"
+#include "base/mProgramInfo.h"
 #include "platform/FolderItem.h"
 #include "schedule/ScheduleHost.h"
 #include "schedule/ScheduleTimer.h"
 #include "settings/mGeneralSettings.h"
-#include "shell/AppState.h"
-#include "shell/mCodeBaseGlv.h"
-#include "shell/mProgramInfo.h"
 
 #include <QTemporaryDir>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Printers.h"
+#include "base/mProgramInfo.h"
 #include "platform/FolderItem.h"
-#include "shell/mProgramInfo.h"
 
 #include <QByteArray>
 #include <QDir>

@@ -1,7 +1,7 @@
 #include "settings/mGeneralSettings.h"
 
 #include "AppFolder.h"
-#include "shell/NilObjectException.h"
+#include "base/NilObjectException.h"
 #include "support/DefaultPreferences.h"
 
 #include <QDateTime>

@@ -1,7 +1,7 @@
 #include "settings/mScreenSettings.h"
 
 #include "AppFolder.h"
-#include "shell/NilObjectException.h"
+#include "base/NilObjectException.h"
 
 using namespace mScreenSettings;
 

@@ -1,7 +1,7 @@
-#include "shell/ProgramFixture.h"
+#include "app/ProgramFixture.h"
 
+#include "base/AppState.h"
 #include "settings/wGeneralSettings.h"
-#include "shell/AppState.h"
 
 #include <QApplication>
 #include <QButtonGroup>
@@ -33,7 +33,7 @@ protected:
 
     // Opens the window on the settings stored now, in front and with the keyboard.
     void open() {
-        m_window = wGeneralSettings::instance();
+        m_window = m_main->showSettingsWindow();
         ASSERT_TRUE(activate(m_window));
     }
 

@@ -1,0 +1,6 @@
+#include "base/AppState.h"
+
+AppState& App() {
+    static AppState state;
+    return state;
+}

@@ -1,0 +1,50 @@
+#include "base/DialogPresenter.h"
+
+#include <QCoreApplication>
+#include <QMessageBox>
+#include <QThread>
+
+#include <chrono>
+#include <cstdio>
+#include <future>
+#include <memory>
+
+namespace {
+void showDialog(MessageKind kind, const QString& heading, const QString& text) {
+    QMessageBox box(kind == MessageKind::Warning ? QMessageBox::Warning : QMessageBox::Information, QString(),
+                    heading, QMessageBox::Ok);
+    box.setInformativeText(text);
+    box.exec();
+}
+
+bool onGuiThread() {
+    const QCoreApplication* app = QCoreApplication::instance();
+    return app != nullptr && QThread::currentThread() == app->thread();
+}
+} // namespace
+
+void DialogPresenter::present(MessageKind kind, const QString& heading, const QString& text) {
+    if (onGuiThread()) {
+        showDialog(kind, heading, text);
+        return;
+    }
+    if (m_stopped || QCoreApplication::instance() == nullptr) {
+        std::fprintf(stderr, "%s %s\n", qPrintable(heading), qPrintable(text));
+        return;
+    }
+    auto answered = std::make_shared<std::promise<void>>();
+    std::future<void> answer = answered->get_future();
+    QMetaObject::invokeMethod(
+        QCoreApplication::instance(),
+        [=] {
+            showDialog(kind, heading, text);
+            answered->set_value();
+        },
+        Qt::QueuedConnection);
+    // A dialog that never comes up (the event loop has ended) leaves a broken promise: ready too.
+    while (answer.wait_for(std::chrono::milliseconds(100)) != std::future_status::ready) {
+        if (m_stopped) {
+            return;
+        }
+    }
+}

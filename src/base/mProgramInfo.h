@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QString>
+
+// What the program knows about itself. The file names are set once by SetConstants, on the GUI
+// thread, before any other thread exists.
+namespace mProgramInfo {
+inline const QString pProgramName = QStringLiteral("Kestrelview");
+inline const QString pProgramVersion = QStringLiteral("1.7.0");
+inline const QString pProgramBuild = QStringLiteral("15072010_1800");
+inline const QString pSubName = QStringLiteral("Timed Screen and Webcam Recorder");
+
+inline QString pScreenSettingsFileName;
+inline QString pGeneralSettingsFileName;
+inline QString pDeveloperSettingsFileName;
+
+// The two web pages that the Help menu opens.
+inline const QString kSupportForumUrl = QStringLiteral("http://www.kestrelview.com/forum/");
+inline const QString kWebSiteUrl = QStringLiteral("http://www.kestrelview.com/");
+
+inline bool pDeveloperFileStatus = false;
+inline QString pDevFTPUploadStatus = QStringLiteral("FALSE");
+
+void SetConstants();
+} // namespace mProgramInfo

@@ -1,6 +1,0 @@
-#include "shell/AppState.h"
-
-AppState& App() {
-    static AppState state;
-    return state;
-}
