@@ -7,7 +7,6 @@
 
 #include <QFrame>
 #include <QLabel>
-#include <QPointer>
 #include <QPushButton>
 
 namespace {
@@ -43,12 +42,7 @@ QString fVersionLine() {
 }
 
 wAbout* wAbout::instance() {
-    static QPointer<wAbout> window;
-    if (window.isNull() || window->isClosed()) {
-        window = new wAbout();
-        window->Event_Open();
-    }
-    return window;
+    return singleWindow<wAbout>();
 }
 
 wAbout::wAbout()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/DialogWindow.h"
+#include "base/SingleWindow.h"
 
 class QLabel;
 class QPushButton;
@@ -14,6 +15,7 @@ public:
     static wAbout* instance();
 
 private:
+    friend wAbout* singleWindow<wAbout>();
     wAbout();
     void Event_Open();
     void btnClose_Action();

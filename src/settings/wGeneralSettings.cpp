@@ -16,7 +16,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QRegularExpressionValidator>
@@ -103,12 +102,7 @@ bool lostFocus(const QEvent* event) {
 } // namespace
 
 wGeneralSettings* wGeneralSettings::instance() {
-    static QPointer<wGeneralSettings> window;
-    if (window.isNull() || window->isClosed()) {
-        window = new wGeneralSettings();
-        window->Event_Open();
-    }
-    return window;
+    return singleWindow<wGeneralSettings>();
 }
 
 // Controls are made in reading order, row by row, which is also the order of the Tab key.

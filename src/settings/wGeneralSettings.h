@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/DialogWindow.h"
+#include "base/SingleWindow.h"
 
 class QButtonGroup;
 class QCheckBox;
@@ -28,6 +29,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    friend wGeneralSettings* singleWindow<wGeneralSettings>();
     wGeneralSettings();
     void Event_Open();
     void btnSave_Action();
