@@ -1,8 +1,9 @@
 #include "base/DialogPresenter.h"
 
+#include "base/GuiThread.h"
+
 #include <QCoreApplication>
 #include <QMessageBox>
-#include <QThread>
 
 #include <chrono>
 #include <cstdio>
@@ -15,11 +16,6 @@ void showDialog(MessageKind kind, const QString& heading, const QString& text) {
                     heading, QMessageBox::Ok);
     box.setInformativeText(text);
     box.exec();
-}
-
-bool onGuiThread() {
-    const QCoreApplication* app = QCoreApplication::instance();
-    return app != nullptr && QThread::currentThread() == app->thread();
 }
 } // namespace
 
@@ -34,13 +30,10 @@ void DialogPresenter::present(MessageKind kind, const QString& heading, const QS
     }
     auto answered = std::make_shared<std::promise<void>>();
     std::future<void> answer = answered->get_future();
-    QMetaObject::invokeMethod(
-        QCoreApplication::instance(),
-        [=] {
-            showDialog(kind, heading, text);
-            answered->set_value();
-        },
-        Qt::QueuedConnection);
+    postToGuiThread([=] {
+        showDialog(kind, heading, text);
+        answered->set_value();
+    });
     // A dialog that never comes up (the event loop has ended) leaves a broken promise: ready too.
     while (answer.wait_for(std::chrono::milliseconds(100)) != std::future_status::ready) {
         if (m_stopped) {

@@ -1,5 +1,6 @@
 #include "capture/ProductCameraServices.h"
 
+#include "base/GuiThread.h"
 #include "base/UnhandledException.h"
 #include "capture/FrameWindowSize.h"
 #include "capture/wOutput.h"
@@ -23,17 +24,11 @@ void openFrameWindow(Picture frame, FrameWindowKind kind, const Clock& clock) {
 }
 } // namespace
 
+// Queued even on the GUI thread, so that a capture run never waits for a window.
 void showCameraFrame(Picture frame, FrameWindowKind kind, const Clock& clock) {
-    if (!qApp) {
-        return;
-    }
-    // Queued even on the GUI thread, so that a capture run never waits for a window.
-    QMetaObject::invokeMethod(
-        qApp,
-        [frame = std::move(frame), kind, &clock] {
-            runGuarded([&] { openFrameWindow(frame, kind, clock); });
-        },
-        Qt::QueuedConnection);
+    postToGuiThread([frame = std::move(frame), kind, &clock] {
+        runGuarded([&] { openFrameWindow(frame, kind, clock); });
+    });
 }
 
 void installProductCameraServices(const Clock& clock) {
