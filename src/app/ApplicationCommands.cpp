@@ -41,8 +41,7 @@ void connectMainWindow(wMain& window) {
     // The about window suspends the schedule, so it answers false and lets an application
     // handler have its turn.
     window.menuHandlers().AddMenuHandler("HelpAbout", [&window] {
-        fxWindowTransition(&window, "Flip", "Left", 1, 0);
-        bringToFront(wAbout::instance());
+        fxWindowTransition(&window, "Flip", "Left", 1, 0, [] { bringToFront(wAbout::instance()); });
         return false;
     });
 }

@@ -1,10 +1,10 @@
 #include "feedback/WindowTransition.h"
 
 #include "base/Messages.h"
+#include "base/UnhandledException.h"
 #include "feedback/TransitionCanvas.h"
 
-#include <QEventLoop>
-#include <QPointer>
+#include <QCoreApplication>
 #include <QVariantAnimation>
 #include <QWidget>
 #include <QWindow>
@@ -69,25 +69,24 @@ bool canPlay(const QWidget* window) {
            window->windowHandle() != nullptr && window->windowHandle()->handle() != nullptr;
 }
 
-void play(QWidget* window, TransitionEffect effect, TransitionSide side, int durationMs) {
-    QPointer<TransitionCanvas> canvas = new TransitionCanvas(window, effect, side);
+// The canvas goes at the end of the effect, or with the window if that goes first; the
+// continuation follows at the next turn of the event loop, with nobody's frame left to guard it.
+void play(QWidget* window, TransitionEffect effect, TransitionSide side, int durationMs,
+          std::function<void()> then) {
+    auto* canvas = new TransitionCanvas(window, effect, side);
     auto* animation = new QVariantAnimation(canvas);
     animation->setStartValue(0.0);
     animation->setEndValue(1.0);
     animation->setDuration(durationMs);
     QObject::connect(animation, &QVariantAnimation::valueChanged, canvas,
                      [canvas](const QVariant& value) { canvas->setProgress(value.toDouble()); });
-
-    QEventLoop loop;
-    QObject::connect(animation, &QAbstractAnimation::finished, &loop, &QEventLoop::quit);
-    // A window closed and deleted meanwhile takes the canvas with it; the caller goes on.
-    QObject::connect(canvas, &QObject::destroyed, &loop, &QEventLoop::quit);
-    animation->start();
-    // The caller waits for the effect; the window keeps painting, the user's input waits too.
-    if (animation->state() == QAbstractAnimation::Running) {
-        loop.exec(QEventLoop::ExcludeUserInputEvents);
+    QObject::connect(animation, &QAbstractAnimation::finished, canvas, &QObject::deleteLater);
+    if (then) {
+        QObject::connect(
+            canvas, &QObject::destroyed, QCoreApplication::instance(),
+            [then = std::move(then)] { runGuarded(then); }, Qt::QueuedConnection);
     }
-    delete canvas;
+    animation->start();
 }
 } // namespace
 
@@ -98,8 +97,8 @@ TransitionRequest fTransitionRequest(const QString& style, const QString& direct
     return request;
 }
 
-void fxWindowTransition(QWidget* window, const QString& style, const QString& direction,
-                        std::int32_t duration, std::int32_t warnOnFailure) {
+void fxWindowTransition(QWidget* window, const QString& style, const QString& direction, int duration,
+                        int warnOnFailure, std::function<void()> then) {
     QWidget* topLevel = window != nullptr ? window->window() : nullptr;
     const TransitionRequest request = fTransitionRequest(style, direction);
     const std::optional<TransitionEffect> effect = effectFor(request.type);
@@ -107,10 +106,12 @@ void fxWindowTransition(QWidget* window, const QString& style, const QString& di
         if (warnOnFailure == 1) {
             mCodeBaseStd::sDisplayWarningMessage("CGS Transition Failed ...");
         }
+    } else if (duration > 0) {
+        const auto durationMs = std::min<std::int64_t>(std::int64_t{duration} * 1000, INT_MAX);
+        play(topLevel, *effect, sideFor(request.option), static_cast<int>(durationMs), std::move(then));
         return;
     }
-    if (duration > 0) {
-        const auto durationMs = std::min<std::int64_t>(std::int64_t{duration} * 1000, INT_MAX);
-        play(topLevel, *effect, sideFor(request.option), static_cast<int>(durationMs));
+    if (then) {
+        then();
     }
 }

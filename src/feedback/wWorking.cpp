@@ -1,17 +1,19 @@
 #include "feedback/wWorking.h"
 
 #include "base/AppState.h"
+#include "base/GuiThread.h"
 #include "base/mCodeBaseGlv.h"
 #include "feedback/DockIcon.h"
 #include "feedback/WindowTransition.h"
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QPointer>
-#include <QThread>
+#include <QTimer>
 #include <QWindow>
+
+#include <utility>
 
 namespace {
 constexpr int kWidth = 461;
@@ -21,7 +23,8 @@ constexpr double kOpacity = 0.8;
 // A window manager that is slow to map the window must not hold up the work behind it for long.
 constexpr int kExposeWaitMs = 2000;
 
-QPointer<wWorking> g_instance;
+// The window flipping shut, which the next message waits for.
+QPointer<wWorking> g_closing;
 
 QLabel* makeLine(QWidget* parent, const QRect& frame, const QFont& font) {
     auto* line = new QLabel(QStringLiteral("..."), parent);
@@ -42,18 +45,6 @@ QFont smallSystemFont() {
     font.setPointSizeF(font.pointSizeF() * 11.0 / 13.0);
     return font;
 }
-
-void showAndWaitUntilPainted(wWorking& window) {
-    window.show();
-    QElapsedTimer waited;
-    waited.start();
-    while (!window.windowHandle()->isExposed() && waited.elapsed() < kExposeWaitMs) {
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-        QThread::msleep(5);
-    }
-    window.repaint();
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-}
 } // namespace
 
 wWorking::wWorking()
@@ -63,14 +54,44 @@ wWorking::wWorking()
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(QStringLiteral("Working ..."));
     setFixedSize(kWidth, kHeight);
-    Event_Open();
 }
 
 wWorking& wWorking::instance() {
-    if (!g_instance) {
-        g_instance = new wWorking();
+    return *singleWindow<wWorking>();
+}
+
+void wWorking::showThen(std::function<void()> then) {
+    if (m_shown) {
+        then();
+        return;
     }
-    return *g_instance;
+    m_whenShown.push_back(std::move(then));
+    if (isVisible()) {
+        return;
+    }
+    create();
+    windowHandle()->installEventFilter(this);
+    show();
+    QTimer::singleShot(kExposeWaitMs, this, &wWorking::markShown);
+}
+
+bool wWorking::eventFilter(QObject* watched, QEvent* event) {
+    // Queued, so that the window's own handling of the event has painted it first.
+    if (event->type() == QEvent::Expose && windowHandle()->isExposed()) {
+        QMetaObject::invokeMethod(this, &wWorking::markShown, Qt::QueuedConnection);
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void wWorking::markShown() {
+    if (m_shown) {
+        return;
+    }
+    m_shown = true;
+    repaint();
+    for (const std::function<void()>& then : std::exchange(m_whenShown, {})) {
+        then();
+    }
 }
 
 void wWorking::Event_Open() {
@@ -86,26 +107,43 @@ void wWorking::sGetWindowPosition() {
     setWindowOpacity(kOpacity);
 }
 
+// The window goes once its flip has played, or at once where the flip is refused.
 void wWorking::closeEvent(QCloseEvent* event) {
-    fxWindowTransition(this, "Flip", "Down", 1, 0);
-    event->accept();
-    // The window is deleted later; the next message must get a window of its own, at once.
-    if (g_instance == this) {
-        g_instance = nullptr;
+    if (!m_closing) {
+        m_closing = true;
+        g_closing = this;
+        // Nobody waiting for the window may wait for ever on one that goes before it showed.
+        markShown();
+        fxWindowTransition(this, "Flip", "Down", 1, 0, [window = QPointer<wWorking>(this)] {
+            if (window) {
+                window->m_flipped = true;
+                window->close();
+            }
+        });
     }
+    event->setAccepted(m_flipped);
 }
 
 namespace mCodeBaseStd {
-void sDisplayWorkingMessage(const QString& text1, const QString& text2) {
-    if (QThread::currentThread() != qApp->thread()) {
-        QMetaObject::invokeMethod(
-            qApp, [text1, text2] { sDisplayWorkingMessage(text1, text2); }, Qt::BlockingQueuedConnection);
+void sDisplayWorkingMessage(const QString& text1, const QString& text2, std::function<void()> then) {
+    if (!onGuiThread()) {
+        postToGuiThread([=] { sDisplayWorkingMessage(text1, text2, then); });
+        return;
+    }
+    if (g_closing) {
+        QObject::connect(
+            g_closing, &QObject::destroyed, QCoreApplication::instance(),
+            [=] { sDisplayWorkingMessage(text1, text2, then); }, Qt::QueuedConnection);
         return;
     }
     sDrawNoteIconDock();
     App().pWorkingText1 = text1;
     App().pWorkingText2 = text2;
-    showAndWaitUntilPainted(wWorking::instance());
-    sResetDockIcon();
+    wWorking::instance().showThen([then] {
+        sResetDockIcon();
+        if (then) {
+            then();
+        }
+    });
 }
 } // namespace mCodeBaseStd

@@ -1,33 +1,54 @@
 #pragma once
 
+#include "base/SingleWindow.h"
+
 #include <QWidget>
+
+#include <functional>
+#include <vector>
 
 class QLabel;
 
 // A small floating window at the bottom right of the main screen that says what long work is
 // going on. It takes its two lines from the application object when it opens.
 class wWorking final : public QWidget {
+    Q_OBJECT
+
 public:
-    // The open window, made and opened when there is none.
+    // The open window, made and opened when there is none or the last one is closing.
     static wWorking& instance();
+
+    // Shows the window and runs `then` once it is on the screen and painted: at once when it
+    // already is.
+    void showThen(std::function<void()> then);
+    // Flipping shut or gone; the next message gets a window of its own.
+    bool isClosed() const { return m_closing; }
 
     QLabel* stt1() const { return m_stt1; }
     QLabel* stt2() const { return m_stt2; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    friend wWorking* singleWindow<wWorking>();
     wWorking();
     void Event_Open();
     void sGetWindowPosition();
+    void markShown();
 
     QLabel* m_stt1;
     QLabel* m_stt2;
+    std::vector<std::function<void()>> m_whenShown;
+    bool m_shown = false;
+    bool m_closing = false;
+    bool m_flipped = false;
 };
 
 namespace mCodeBaseStd {
-// Puts up the working window with two lines; it is on the screen when this returns. From any
-// thread: the window itself is always made on the GUI thread.
-void sDisplayWorkingMessage(const QString& text1, const QString& text2);
+// Puts up the working window with two lines and returns at once; `then` runs on the GUI thread
+// when the window is on the screen and painted, which is when the long work may start. From any
+// thread. A window still flipping shut goes first, so the new lines follow its flip.
+void sDisplayWorkingMessage(const QString& text1, const QString& text2, std::function<void()> then = {});
 } // namespace mCodeBaseStd

@@ -21,6 +21,7 @@
 #include <QDesktopServices>
 #include <QLabel>
 #include <QMenuBar>
+#include <QPointer>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -121,13 +122,29 @@ void wMain::installMenuBar(QMenuBar* bar) {
     setFixedSize(minimumFrameSize());
 }
 
+// The window goes once its effect has played, or at once where the effect is refused; the
+// schedule rests meanwhile, so that no capture starts while the program ends.
 void wMain::closeEvent(QCloseEvent* event) {
+    if (!m_closing) {
+        m_closing = true;
+        m_timCountDown.setEnabled(false);
+        m_timSnapShot.setEnabled(false);
+        fxWindowTransition(this, "WarpFade", "Right", 1, 0, [window = QPointer<wMain>(this)] {
+            if (window) {
+                window->finishClosing();
+            }
+        });
+    }
+    event->setAccepted(m_closed);
+}
+
+void wMain::finishClosing() {
     runGuarded([this] {
-        fxWindowTransition(this, "WarpFade", "Right", 1, 0);
         const QRect frame = geometry();
         mScreenSettings::SavePrefs({frame.height() - menuBarHeight(), frame.width(), frame.x(), frame.y()});
     });
-    event->accept();
+    m_closed = true;
+    close();
     QCoreApplication::quit();
 }
 
@@ -142,8 +159,11 @@ void wMain::AddMenuHandlers() {
 // A window that suspends the schedule answers false, so that an application handler could still
 // have its turn.
 bool wMain::_QVTPreferences_Action() {
-    fxWindowTransition(this, "Flip", "Left", 1, 0);
-    showSettingsWindow();
+    fxWindowTransition(this, "Flip", "Left", 1, 0, [window = QPointer<wMain>(this)] {
+        if (window) {
+            window->showSettingsWindow();
+        }
+    });
     return false;
 }
 

@@ -41,6 +41,8 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    // Keeps the window's place and ends the program, once the closing effect has played.
+    void finishClosing();
     void AddMenuHandlers();
     bool _QVTPreferences_Action();
     bool _FileCheckForUpdates_Action();
@@ -71,4 +73,6 @@ private:
     QtScheduleTimer m_timSnapShot;
     CaptureSchedule m_schedule;
     MenuHandlers m_menuHandlers;
+    bool m_closing = false;
+    bool m_closed = false;
 };

@@ -8,6 +8,7 @@
 #include "settings/wGeneralSettings.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QMenu>
@@ -53,6 +54,21 @@ protected:
         ASSERT_TRUE(liveWhenOpened(name)) << name << " is not live";
         item(name)->trigger();
     }
+
+    // The window of type W on the screen, once the main window's flip has played.
+    template <typename W> static W* openedAfterFlip() {
+        EXPECT_EQ(shown<W>(), nullptr) << "the window opens only after the flip";
+        EXPECT_TRUE(QTest::qWaitFor([] { return shown<W>() != nullptr; }, 10000));
+        return shown<W>();
+    }
+    template <typename W> static W* shown() {
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (auto* found = qobject_cast<W*>(window); found != nullptr && found->isVisible()) {
+                return found;
+            }
+        }
+        return nullptr;
+    }
 };
 
 TEST_F(MenuTest, TheBarSitsAboveTheLogoInTheMainWindow) {
@@ -80,7 +96,7 @@ TEST_F(MenuTest, CommandsAreLiveOnlyWhileTheMainWindowIsInFront) {
     }
 
     choose("HelpAbout");
-    ASSERT_TRUE(QTest::qWaitForWindowActive(wAbout::instance()));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(openedAfterFlip<wAbout>()));
     QTest::qWait(50); // the queued look at the new active window
     for (const char* name : kMainWindowCommands) {
         EXPECT_FALSE(item(name)->isEnabled()) << name << " with the about window in front";
@@ -120,22 +136,21 @@ TEST_F(MenuTest, AboutChosenAgainFromTheMainWindowKeepsTheSameWindowAndFlag) {
     ASSERT_TRUE(activate(m_main.get()));
     EXPECT_FALSE(App().pSpecialWindowOpen);
     choose("HelpAbout");
-    wAbout* about = wAbout::instance();
-    EXPECT_TRUE(about->isVisible());
+    wAbout* about = openedAfterFlip<wAbout>();
     EXPECT_TRUE(App().pSpecialWindowOpen);
 
     ASSERT_TRUE(activate(m_main.get()));
     choose("HelpAbout");
-    EXPECT_EQ(wAbout::instance(), about);
     EXPECT_TRUE(QTest::qWaitForWindowActive(about));
+    EXPECT_EQ(wAbout::instance(), about);
     EXPECT_TRUE(App().pSpecialWindowOpen);
 }
 
 TEST_F(MenuTest, PreferencesOpensTheSettingsWindowAndSuspendsTheSchedule) {
     ASSERT_TRUE(activate(m_main.get()));
     choose("QVTPreferences");
-    wGeneralSettings* settings = wGeneralSettings::instance();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(settings));
+    EXPECT_FALSE(App().pSpecialWindowOpen);
+    EXPECT_TRUE(QTest::qWaitForWindowActive(openedAfterFlip<wGeneralSettings>()));
     EXPECT_TRUE(App().pSpecialWindowOpen);
     EXPECT_TRUE(m_presenter.messages().empty()) << "a transition never warns here";
 }
@@ -147,12 +162,14 @@ TEST_F(MenuTest, QuitEndsThroughTheMainWindowCloseWhichKeepsItsPlace) {
     const QRect frame = m_main->geometry();
     // From the settings window, as the shortcut works wherever the user is.
     choose("QVTPreferences");
-    wGeneralSettings* settings = wGeneralSettings::instance();
+    wGeneralSettings* settings = openedAfterFlip<wGeneralSettings>();
     ASSERT_TRUE(QTest::qWaitForWindowActive(settings));
     QFile::remove(binPath("KestrelviewScreen.ini"));
     QTest::keyClick(settings, Qt::Key_Q, Qt::ControlModifier);
 
-    EXPECT_FALSE(m_main->isVisible());
+    EXPECT_TRUE(m_main->isVisible()) << "the closing effect plays first";
+    EXPECT_TRUE(readBinFile("KestrelviewScreen.ini").isEmpty()) << "the place is kept after the effect";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !m_main->isVisible(); }, 10000));
     mScreenSettings::LoadPrefs();
     const mScreenSettings::Geometry stored = mScreenSettings::current();
     const int logoHeight = m_main->findChild<QLabel*>("ImageWell1")->height();
@@ -166,6 +183,25 @@ TEST_F(MenuTest, QuitFromTheTrayWithTheMainWindowHidden) {
     QFile::remove(binPath("KestrelviewScreen.ini"));
     item("FileQuit")->trigger();
     EXPECT_FALSE(readBinFile("KestrelviewScreen.ini").isEmpty()) << "the close ran and kept the place";
+}
+
+TEST_F(ProgramTest, NoCaptureStartsWhileTheMainWindowCloses) {
+    QTemporaryDir pictures;
+    mGeneralSettings::Prefs prefs = quietPrefs();
+    prefs.pInterval = 1;
+    prefs.pDestination = pictures.path();
+    writePrefs(prefs);
+    openMainWindow();
+    const QDir folder(pictures.path());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !folder.isEmpty(); }, 10000)) << "the schedule captures";
+
+    m_main->close();
+    m_runner->waitForRuns();
+    const QStringList before = folder.entryList(QDir::Files);
+    // The effect lasts longer than the interval.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !m_main->isVisible(); }, 10000));
+    m_runner->waitForRuns();
+    EXPECT_EQ(folder.entryList(QDir::Files), before);
 }
 
 // The pages go to the desktop's URL handler; a stand-in for it on PATH notes what it was given.

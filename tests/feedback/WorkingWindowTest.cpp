@@ -1,7 +1,6 @@
 #include "base/mCodeBaseGlv.h"
 #include "feedback/wWorking.h"
 
-#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QImage>
 #include <QLabel>
@@ -9,6 +8,7 @@
 #include <QProcess>
 #include <QScreen>
 #include <QTest>
+#include <QThread>
 #include <QWindow>
 
 #include <gtest/gtest.h>
@@ -18,6 +18,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <thread>
 
@@ -82,19 +83,34 @@ protected:
     void TearDown() override {
         QPointer<wWorking> open = &wWorking::instance();
         open->close();
-        EXPECT_TRUE(QTest::qWaitFor([&] { return open.isNull(); }, 3000));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return open.isNull(); }, 10000));
+    }
+
+    // Puts the message up and runs the event loop until the window says that the work may start.
+    static void showMessage(
+        const QString& text1, const QString& text2, std::function<void()> then = [] {}) {
+        auto shown = std::make_shared<bool>(false);
+        mCodeBaseStd::sDisplayWorkingMessage(text1, text2, [shown, then] {
+            then();
+            *shown = true;
+        });
+        EXPECT_TRUE(QTest::qWaitFor([&] { return *shown; }, 10000));
     }
 
     QRect m_expected;
 };
 } // namespace
 
-TEST_F(WorkingWindowTest, IsOnTheScreenWithBothLinesWhenTheCallReturns) {
-    mCodeBaseStd::sDisplayWorkingMessage("Creating Movie File ...", "Please Be Patient ...");
+TEST_F(WorkingWindowTest, IsOnTheScreenWithBothLinesWhenTheWorkMayStart) {
+    QImage shown;
+    bool exposed = false;
+    // Nothing may run between the window coming up and these looks: the caller starts long work.
+    showMessage("Creating Movie File ...", "Please Be Patient ...", [&] {
+        exposed = wWorking::instance().windowHandle()->isExposed();
+        shown = screenArea(m_expected);
+    });
     wWorking& window = wWorking::instance();
-    // Nothing may run between the call and these checks: the caller goes on with long work.
-    ASSERT_TRUE(window.windowHandle() != nullptr && window.windowHandle()->isExposed());
-    const QImage shown = screenArea(m_expected);
+    ASSERT_TRUE(exposed);
 
     EXPECT_EQ(window.geometry(), m_expected);
     EXPECT_EQ(window.windowTitle(), "Working ...");
@@ -114,24 +130,25 @@ TEST_F(WorkingWindowTest, IsOnTheScreenWithBothLinesWhenTheCallReturns) {
 }
 
 TEST_F(WorkingWindowTest, ASecondMessageWhileOpenChangesNothing) {
-    mCodeBaseStd::sDisplayWorkingMessage("Creating Movie File ...", "Please Be Patient ...");
+    showMessage("Creating Movie File ...", "Please Be Patient ...");
     wWorking* first = &wWorking::instance();
-    mCodeBaseStd::sDisplayWorkingMessage("Archiving ...", "Please Be Patient ...");
+    bool ended = false;
+    mCodeBaseStd::sDisplayWorkingMessage("Archiving ...", "Please Be Patient ...", [&] { ended = true; });
+    EXPECT_TRUE(ended) << "the window is up already";
     EXPECT_EQ(&wWorking::instance(), first);
     EXPECT_EQ(first->stt1()->text(), "Creating Movie File ...");
 }
 
-TEST_F(WorkingWindowTest, NextMessageAfterACloseShowsItsTextInTheSamePlace) {
-    mCodeBaseStd::sDisplayWorkingMessage("Creating Movie File ...", "Please Be Patient ...");
-    QElapsedTimer closing;
-    closing.start();
-    wWorking::instance().close();
-    // The closing flip holds the caller for its second.
-    EXPECT_GE(closing.elapsed(), 800);
-    EXPECT_LT(closing.elapsed(), 3000);
+TEST_F(WorkingWindowTest, NextMessageAfterACloseFollowsTheFlipInTheSamePlace) {
+    showMessage("Creating Movie File ...", "Please Be Patient ...");
+    QPointer<wWorking> first = &wWorking::instance();
+    first->close();
+    EXPECT_TRUE(first->isVisible()) << "the flip plays first";
 
     // At once, as the movie assembly does, without giving the closed window time to go.
-    mCodeBaseStd::sDisplayWorkingMessage("Archiving ...", "Please Be Patient ...");
+    bool firstGone = false;
+    showMessage("Archiving ...", "Please Be Patient ...", [&] { firstGone = first.isNull(); });
+    EXPECT_TRUE(firstGone);
     wWorking& next = wWorking::instance();
     EXPECT_TRUE(next.isVisible());
     EXPECT_EQ(next.geometry(), m_expected);
@@ -139,13 +156,17 @@ TEST_F(WorkingWindowTest, NextMessageAfterACloseShowsItsTextInTheSamePlace) {
 }
 
 TEST_F(WorkingWindowTest, ComesUpOnTheGuiThreadWhenAskedFromAnother) {
-    std::atomic<bool> returned{false};
+    std::atomic<bool> shown{false};
+    std::atomic<bool> onGuiThread{false};
     std::thread worker([&] {
-        mCodeBaseStd::sDisplayWorkingMessage("Creating Movie File ...", "Please Be Patient ...");
-        returned = true;
+        mCodeBaseStd::sDisplayWorkingMessage("Creating Movie File ...", "Please Be Patient ...", [&] {
+            onGuiThread = QThread::currentThread() == qApp->thread();
+            shown = true;
+        });
     });
-    EXPECT_TRUE(QTest::qWaitFor([&] { return returned.load(); }, 10000));
     worker.join();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shown.load(); }, 10000));
+    EXPECT_TRUE(onGuiThread);
     EXPECT_TRUE(wWorking::instance().isVisible());
     EXPECT_EQ(wWorking::instance().stt1()->text(), "Creating Movie File ...");
 }
@@ -157,7 +178,7 @@ TEST_F(WorkingWindowTest, StaysAboveANormalWindowUnderAWindowManager) {
         GTEST_SKIP() << "no openbox to keep windows in order";
     }
     QTest::qWait(500);
-    mCodeBaseStd::sDisplayWorkingMessage("Creating Movie File ...", "Please Be Patient ...");
+    showMessage("Creating Movie File ...", "Please Be Patient ...");
     const QRect shownAt = wWorking::instance().geometry();
 
     QWidget cover;
