@@ -1,6 +1,8 @@
 #include "feedback/DockIcon.h"
 
-#include "feedback/LauncherEntry.h"
+#include "base/GuiThread.h"
+#include "platform/launcher/LauncherEntry.h"
+#include "platform/windowsystem/WindowSystem.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -10,11 +12,9 @@
 #include <QPointer>
 #include <QStyle>
 #include <QSystemTrayIcon>
-#include <QThread>
-
-#include <xcb/xcb.h>
 
 #include <algorithm>
+#include <memory>
 
 namespace {
 constexpr int kTileSize = 128;
@@ -30,6 +30,8 @@ public:
     QIcon plain;
     qint64 markedKey = 0;
     QPointer<QSystemTrayIcon> tray;
+    const std::unique_ptr<WindowSystem> windowSystem = makeWindowSystem();
+    const std::unique_ptr<LauncherEntry> launcher = makeLauncherEntry();
 };
 
 DockTile& dockTile() {
@@ -38,12 +40,6 @@ DockTile& dockTile() {
         tile = new DockTile(qApp);
     }
     return *tile;
-}
-
-// Pixmaps and window icons belong to the GUI thread of a widget application.
-bool onGuiThread() {
-    return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr &&
-           QThread::currentThread() == qApp->thread();
 }
 
 QSize largestSize(const QIcon& icon) {
@@ -90,9 +86,7 @@ void showIcon(const QIcon& icon) {
     if (tile.tray) {
         tile.tray->setIcon(icon);
     }
-    if (auto* x11 = qApp->nativeInterface<QNativeInterface::QX11Application>()) {
-        xcb_flush(x11->connection());
-    }
+    tile.windowSystem->flush();
 }
 } // namespace
 
@@ -103,6 +97,7 @@ QRect noteMarkRect(QSize iconSize) {
 }
 
 namespace mCodeBaseStd {
+// Pixmaps and window icons belong to the GUI thread; from elsewhere the mark stays as it is.
 void sDrawNoteIconDock() {
     if (!onGuiThread()) {
         return;
@@ -115,7 +110,7 @@ void sDrawNoteIconDock() {
     const QIcon marked = withNoteMark(tile.plain);
     tile.markedKey = marked.cacheKey();
     showIcon(marked);
-    setLauncherUrgent(true);
+    tile.launcher->setUrgent(true);
 }
 
 void sResetDockIcon() {
@@ -128,7 +123,7 @@ void sResetDockIcon() {
         showIcon(tile.plain);
         tile.markedKey = 0;
     }
-    setLauncherUrgent(false);
+    tile.launcher->setUrgent(false);
 }
 } // namespace mCodeBaseStd
 
