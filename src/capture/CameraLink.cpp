@@ -48,6 +48,10 @@ namespace mCodeBaseGlv {
 GrabberSlot pQTGrabber;
 } // namespace mCodeBaseGlv
 
+CameraLinkOwner::~CameraLinkOwner() {
+    mCodeBaseGlv::pQTGrabber.replace(nullptr);
+}
+
 namespace mCodeBaseStd {
 // No step returns early: a failed frame buffer still lets the camera start at its own size, and
 // the user hears of each failure once.

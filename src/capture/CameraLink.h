@@ -23,6 +23,17 @@ struct CameraServices {
 // An empty member keeps what was there before.
 void installCameraServices(CameraServices services);
 
+// Owns the camera link for the program: when it goes, the link that the set-ups opened is stopped
+// and its streaming threads joined. Made in main before the capture runner, so that it goes
+// after the last capture run, which may still set the link up again.
+class CameraLinkOwner {
+public:
+    CameraLinkOwner() = default;
+    ~CameraLinkOwner();
+    CameraLinkOwner(const CameraLinkOwner&) = delete;
+    CameraLinkOwner& operator=(const CameraLinkOwner&) = delete;
+};
+
 namespace mCodeBaseGlv {
 // The one camera grabber, empty before the first set-up.
 extern GrabberSlot pQTGrabber;

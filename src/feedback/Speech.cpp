@@ -1,17 +1,22 @@
 #include "feedback/Speech.h"
 
-#include "feedback/SpeechQueue.h"
-
 namespace {
-// Lives until the program ends; its destructor stops the voice and joins the speech thread.
-SpeechQueue& programQueue() {
-    static SpeechQueue queue(platform::loadSpeechEngine, platform::loadAudioOutput);
-    return queue;
-}
+SpeechQueue* g_queue = nullptr;
 } // namespace
+
+ProgramSpeech::ProgramSpeech(SpeechQueue::EngineLoader loadEngine, SpeechQueue::OutputLoader loadOutput)
+    : m_queue(std::move(loadEngine), std::move(loadOutput)) {
+    g_queue = &m_queue;
+}
+
+ProgramSpeech::~ProgramSpeech() {
+    g_queue = nullptr;
+}
 
 namespace mCodeBaseStd {
 void sSpeakText(const QString& text) {
-    programQueue().enqueue(text);
+    if (g_queue != nullptr) {
+        g_queue->enqueue(text);
+    }
 }
 } // namespace mCodeBaseStd

@@ -1,5 +1,6 @@
 #include "feedback/SpeechQueue.h"
 
+#include "base/UnhandledException.h"
 #include "settings/TagFile.h"
 #include "settings/mGeneralSettings.h"
 
@@ -45,7 +46,7 @@ void SpeechQueue::run() {
             m_texts.pop_front();
             m_busy = true;
         }
-        speak(text);
+        runGuarded([&] { speak(text); });
     }
 }
 

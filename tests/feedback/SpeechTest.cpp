@@ -128,9 +128,14 @@ protected:
         mGeneralSettings::SavePrefs(mGeneralSettings::toTexts(prefs));
     }
 
+    SpeechQueue::EngineLoader engineLoader() {
+        return [this] { return std::make_unique<LoggingEngine>(m_log); };
+    }
+    SpeechQueue::OutputLoader outputLoader() {
+        return [this] { return std::make_unique<LoggingOutput>(m_log); };
+    }
     std::unique_ptr<SpeechQueue> makeQueue() {
-        return std::make_unique<SpeechQueue>([this] { return std::make_unique<LoggingEngine>(m_log); },
-                                             [this] { return std::make_unique<LoggingOutput>(m_log); });
+        return std::make_unique<SpeechQueue>(engineLoader(), outputLoader());
     }
 
     QTemporaryDir m_dir;
@@ -229,8 +234,7 @@ TEST_F(SpeechQueueTest, EndingTheQueueCutsTheVoiceShortAndJoins) {
 }
 
 TEST_F(SpeechQueueTest, GoesOnSilentlyWithoutEngineOrSoundDevice) {
-    SpeechQueue noEngine([] { return std::make_unique<platform::NullSpeechEngine>(); },
-                         [this] { return std::make_unique<LoggingOutput>(m_log); });
+    SpeechQueue noEngine([] { return std::make_unique<platform::NullSpeechEngine>(); }, outputLoader());
     noEngine.enqueue("Say Cheese");
     EXPECT_TRUE(noEngine.waitUntilIdle(kIdleTimeout));
     EXPECT_EQ(m_log.played, 0);
@@ -242,12 +246,18 @@ TEST_F(SpeechQueueTest, GoesOnSilentlyWithoutEngineOrSoundDevice) {
     EXPECT_TRUE(noDevice.waitUntilIdle(kIdleTimeout));
 }
 
-TEST_F(SpeechQueueTest, SpeakTextReturnsAtOnce) {
-    // The program's own voice, on whatever sound device this machine has or lacks.
-    QElapsedTimer elapsed;
-    elapsed.start();
-    for (int i = 0; i < 5; ++i) {
+TEST_F(SpeechQueueTest, SpeakTextGoesToTheProgramsSpeechThreadWhileItRuns) {
+    mCodeBaseStd::sSpeakText("before");
+    m_log.holdFirst = true;
+    {
+        ProgramSpeech speech(engineLoader(), outputLoader());
         mCodeBaseStd::sSpeakText("In Three Seconds");
+        ASSERT_TRUE(m_log.waitForSynthesized(1));
+        // Returns while the voice is busy.
+        mCodeBaseStd::sSpeakText("Say Cheese");
+        m_log.release();
+        ASSERT_TRUE(m_log.waitForSynthesized(2));
     }
-    EXPECT_LT(elapsed.elapsed(), 500);
+    mCodeBaseStd::sSpeakText("after");
+    EXPECT_EQ(m_log.texts(), (std::vector<QString>{"In Three Seconds", "Say Cheese"}));
 }

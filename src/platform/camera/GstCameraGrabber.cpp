@@ -30,6 +30,17 @@ using ElementPtr = std::unique_ptr<GstElement, GstObjectDeleter>;
 using SamplePtr = std::unique_ptr<GstSample, SampleDeleter>;
 using CapsPtr = std::unique_ptr<GstCaps, CapsDeleter>;
 
+// A buffer's pixels mapped for reading, unmapped when it goes.
+struct MappedFrame {
+    GstVideoFrame frame{};
+    bool valid = false;
+    ~MappedFrame() {
+        if (valid) {
+            gst_video_frame_unmap(&frame);
+        }
+    }
+};
+
 // Takes the floating reference that GStreamer hands out, so that the pointer owns one of its own.
 ElementPtr owned(GstElement* element) {
     return ElementPtr(element ? GST_ELEMENT(gst_object_ref_sink(element)) : nullptr);
@@ -204,24 +215,31 @@ private:
         return sink;
     }
 
-    static GstFlowReturn onNewSample(GstAppSink* sink, gpointer self) {
-        auto* grabber = static_cast<GstCameraGrabber*>(self);
-        SamplePtr sample(gst_app_sink_pull_sample(sink));
-        std::lock_guard lock(grabber->m_frameMutex);
-        if (sample && !grabber->m_streamEnded) {
-            grabber->m_newest = std::move(sample);
+    // On the streaming thread; a frame that cannot be kept is dropped, never thrown into GStreamer.
+    static GstFlowReturn onNewSample(GstAppSink* sink, gpointer self) noexcept {
+        try {
+            auto* grabber = static_cast<GstCameraGrabber*>(self);
+            SamplePtr sample(gst_app_sink_pull_sample(sink));
+            std::lock_guard lock(grabber->m_frameMutex);
+            if (sample && !grabber->m_streamEnded) {
+                grabber->m_newest = std::move(sample);
+            }
+        } catch (...) {
         }
         return GST_FLOW_OK;
     }
 
     // An error or the end of the stream (a camera pulled out) ends the frames: the last one
     // would otherwise pass for a new photograph at every run.
-    static GstBusSyncReply onBusMessage(GstBus*, GstMessage* message, gpointer self) {
+    static GstBusSyncReply onBusMessage(GstBus*, GstMessage* message, gpointer self) noexcept {
         if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR || GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS) {
-            auto* grabber = static_cast<GstCameraGrabber*>(self);
-            std::lock_guard lock(grabber->m_frameMutex);
-            grabber->m_streamEnded = true;
-            grabber->m_newest.reset();
+            try {
+                auto* grabber = static_cast<GstCameraGrabber*>(self);
+                std::lock_guard lock(grabber->m_frameMutex);
+                grabber->m_streamEnded = true;
+                grabber->m_newest.reset();
+            } catch (...) {
+            }
         }
         return GST_BUS_DROP;
     }
@@ -233,10 +251,12 @@ private:
             GST_VIDEO_INFO_FORMAT(&info) != GST_VIDEO_FORMAT_BGRx) {
             return std::nullopt;
         }
-        GstVideoFrame frame;
-        if (!gst_video_frame_map(&frame, &info, buffer, GST_MAP_READ)) {
+        MappedFrame mapped;
+        if (!gst_video_frame_map(&mapped.frame, &info, buffer, GST_MAP_READ)) {
             return std::nullopt;
         }
+        mapped.valid = true;
+        const GstVideoFrame& frame = mapped.frame;
         const int width = GST_VIDEO_FRAME_WIDTH(&frame);
         const int height = GST_VIDEO_FRAME_HEIGHT(&frame);
         const int rowBytes = width * 4;
@@ -248,7 +268,6 @@ private:
             std::memcpy(pixels->data() + static_cast<std::size_t>(row) * rowBytes,
                         source + static_cast<std::size_t>(row) * sourceStride, rowBytes);
         }
-        gst_video_frame_unmap(&frame);
         Picture picture;
         picture.width = width;
         picture.height = height;

@@ -39,12 +39,12 @@ struct ErrorManager {
     std::jmp_buf jump;
 };
 
-[[noreturn]] void jumpOut(j_common_ptr info) {
+[[noreturn]] void jumpOut(j_common_ptr info) noexcept {
     std::longjmp(reinterpret_cast<ErrorManager*>(info->err)->jump, 1);
 }
 
 // Warnings about odd input are of no use to anyone watching the capture.
-void keepQuiet(j_common_ptr, int) {}
+void keepQuiet(j_common_ptr, int) noexcept {}
 
 // Kept on the heap so that nothing the longjmp lands beside is a local changed after setjmp.
 struct Compressor {

@@ -53,10 +53,37 @@ bool validArea(const QRect& area) {
            area.right() <= 0x7fff && area.bottom() <= 0x7fff;
 }
 
-// Memory that both we and the server have attached.
+struct Detach {
+    void operator()(std::uint8_t* address) const { ::shmdt(address); }
+};
+// Our own mapping of a segment.
+using Attachment = std::unique_ptr<std::uint8_t, Detach>;
+
+// A System V segment id, marked for removal when it goes: once both sides have attached the
+// segment, it lives until the last detach, and no crash can leave it behind.
+class SegmentId {
+public:
+    explicit SegmentId(std::size_t size)
+        : m_id(::shmget(IPC_PRIVATE, size, IPC_CREAT | 0600)) {}
+    ~SegmentId() {
+        if (m_id >= 0) {
+            ::shmctl(m_id, IPC_RMID, nullptr);
+        }
+    }
+    SegmentId(const SegmentId&) = delete;
+    SegmentId& operator=(const SegmentId&) = delete;
+
+    int id() const { return m_id; }
+
+private:
+    int m_id;
+};
+
+// Memory that both we and the server have attached. The server's side is released through the
+// connection (Server::release) or goes with it; ours goes with the attachment.
 struct Segment {
     xcb_shm_seg_t id = 0;
-    std::uint8_t* address = nullptr;
+    Attachment memory;
     std::size_t size = 0;
 };
 } // namespace
@@ -67,13 +94,6 @@ struct XcbScreenGrabber::Server {
         , root(root)
         , scanlinePadBits(scanlinePadBits)
         , sharedMemory(sharedMemory) {}
-
-    // The server's side of the spare goes with the connection.
-    ~Server() {
-        if (spare) {
-            ::shmdt(spare->address);
-        }
-    }
 
     int strideFor(int width) const {
         const int bits = width * kBitsPerPixel;
@@ -92,12 +112,14 @@ struct XcbScreenGrabber::Server {
     }
 
     // Kept as the spare when it is the biggest yet, released otherwise.
-    void giveBack(const Segment& segment) {
-        std::optional<Segment> unwanted = segment;
+    void giveBack(Segment segment) {
+        std::optional<Segment> unwanted;
         {
             std::lock_guard lock(mutex);
             if (!spare || spare->size < segment.size) {
-                unwanted = std::exchange(spare, segment);
+                unwanted = std::exchange(spare, std::move(segment));
+            } else {
+                unwanted = std::move(segment);
             }
         }
         if (unwanted) {
@@ -106,34 +128,30 @@ struct XcbScreenGrabber::Server {
     }
 
     std::optional<Segment> newSegment(std::size_t size) {
-        const int id = ::shmget(IPC_PRIVATE, size, IPC_CREAT | 0600);
-        if (id < 0) {
+        const SegmentId id(size);
+        if (id.id() < 0) {
             return std::nullopt;
         }
-        void* address = ::shmat(id, nullptr, 0);
+        void* const address = ::shmat(id.id(), nullptr, 0);
         if (address == reinterpret_cast<void*>(-1)) {
-            ::shmctl(id, IPC_RMID, nullptr);
             return std::nullopt;
         }
-        xcb_connection_t* c = connection.get();
-        const xcb_shm_seg_t segment = xcb_generate_id(c);
-        const ReplyPtr<xcb_generic_error_t> refused(
-            xcb_request_check(c, xcb_shm_attach_checked(c, segment, id, 0)));
-        // Marked for removal once the server holds it too, so that no crash can leave it behind.
-        ::shmctl(id, IPC_RMID, nullptr);
+        Segment segment{xcb_generate_id(connection.get()), Attachment(static_cast<std::uint8_t*>(address)),
+                        size};
+        const ReplyPtr<xcb_generic_error_t> refused(xcb_request_check(
+            connection.get(), xcb_shm_attach_checked(connection.get(), segment.id, id.id(), 0)));
         if (refused) {
             // A server on another machine cannot reach our memory; stop asking it to.
             sharedMemory.store(false);
-            ::shmdt(address);
             return std::nullopt;
         }
-        return Segment{segment, static_cast<std::uint8_t*>(address), size};
+        return segment;
     }
 
+    // Our side goes with the segment.
     void release(const Segment& segment) {
         xcb_shm_detach(connection.get(), segment.id);
         xcb_flush(connection.get());
-        ::shmdt(segment.address);
     }
 
     const ConnectionPtr connection;
@@ -192,7 +210,7 @@ std::optional<Picture> XcbScreenGrabber::grab(const QRect& area) {
 
 std::optional<Picture> XcbScreenGrabber::grabShared(const QRect& area, int stride) {
     const std::size_t size = std::size_t(stride) * std::size_t(area.height());
-    const std::optional<Segment> segment = m_server->takeSegment(size);
+    std::optional<Segment> segment = m_server->takeSegment(size);
     if (!segment) {
         return std::nullopt;
     }
@@ -204,18 +222,18 @@ std::optional<Picture> XcbScreenGrabber::grabShared(const QRect& area, int strid
                           XCB_IMAGE_FORMAT_Z_PIXMAP, segment->id, 0),
         nullptr));
     if (!reply || reply->size < size) {
-        m_server->giveBack(*segment);
+        m_server->giveBack(std::move(*segment));
         return std::nullopt;
     }
-    const std::shared_ptr<void> owner(segment->address,
-                                      [server = std::weak_ptr<Server>(m_server), held = *segment](void*) {
-                                          if (const std::shared_ptr<Server> alive = server.lock()) {
-                                              alive->giveBack(held);
-                                          } else {
-                                              ::shmdt(held.address);
-                                          }
-                                      });
-    return Picture{area.width(), area.height(), stride, PixelLayout::Bgrx32, segment->address, owner};
+    std::uint8_t* const pixels = segment->memory.get();
+    // A grabber gone meanwhile took the server's side with its connection; ours goes here.
+    auto held = std::make_shared<Segment>(std::move(*segment));
+    const std::shared_ptr<void> owner(pixels, [server = std::weak_ptr<Server>(m_server), held](void*) {
+        if (const std::shared_ptr<Server> alive = server.lock()) {
+            alive->giveBack(std::move(*held));
+        }
+    });
+    return Picture{area.width(), area.height(), stride, PixelLayout::Bgrx32, pixels, owner};
 }
 
 std::optional<Picture> XcbScreenGrabber::grabDirect(const QRect& area, int stride) {

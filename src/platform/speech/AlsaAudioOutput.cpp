@@ -20,7 +20,7 @@ constexpr unsigned kLatencyUs = 200'000;
 // How long past the audio's own length a device may lag before it is given up.
 constexpr auto kStallAllowance = std::chrono::seconds(2);
 
-void ignoreAlsaError(const char*, int, const char*, int, const char*, ...) {}
+void ignoreAlsaError(const char*, int, const char*, int, const char*, ...) noexcept {}
 
 // A machine without a sound card is normal for this program; ALSA would print a page of
 // complaints to standard error at every utterance.

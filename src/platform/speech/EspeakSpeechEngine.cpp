@@ -8,13 +8,18 @@ namespace platform {
 namespace {
 std::mutex g_engineMutex;
 
-// Collects the samples of the utterance under way; espeak hands them over in pieces.
-int collectSamples(short* samples, int count, espeak_EVENT* events) {
-    auto* audio = static_cast<SpeechAudio*>(events->user_data);
-    if (audio != nullptr && samples != nullptr && count > 0) {
-        audio->samples.insert(audio->samples.end(), samples, samples + count);
+// Collects the samples of the utterance under way; espeak hands them over in pieces. Memory
+// running out ends the utterance rather than unwinding through the library.
+int collectSamples(short* samples, int count, espeak_EVENT* events) noexcept {
+    try {
+        auto* audio = static_cast<SpeechAudio*>(events->user_data);
+        if (audio != nullptr && samples != nullptr && count > 0) {
+            audio->samples.insert(audio->samples.end(), samples, samples + count);
+        }
+        return 0;
+    } catch (...) {
+        return 1;
     }
-    return 0;
 }
 
 // espeak_Initialize may run only once per process; its answer is kept for every later caller.
