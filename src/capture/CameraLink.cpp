@@ -3,22 +3,18 @@
 #include "base/Messages.h"
 #include "base/NilObjectException.h"
 #include "base/mCodeBaseGlv.h"
-#include "capture/CamImgSize.h"
 #include "platform/camera/NullCameraGrabber.h"
+#include "settings/CamImgSize.h"
 #include "settings/mGeneralSettings.h"
 
-#include <mutex>
-
 namespace {
-std::mutex g_servicesMutex;
-CameraServices g_services{
+Guarded<CameraServices> g_services(CameraServices{
     [] { return std::make_unique<NullCameraGrabber>(); },
     [](Picture, FrameWindowKind) {},
-};
+});
 
 CameraServices services() {
-    std::lock_guard lock(g_servicesMutex);
-    return g_services;
+    return g_services.get();
 }
 
 void showNewestFrame(FrameWindowKind kind) {
@@ -35,21 +31,22 @@ void showNewestFrame(FrameWindowKind kind) {
 } // namespace
 
 void installCameraServices(CameraServices replacement) {
-    std::lock_guard lock(g_servicesMutex);
+    CameraServices installed = services();
     if (replacement.makeGrabber) {
-        g_services.makeGrabber = std::move(replacement.makeGrabber);
+        installed.makeGrabber = std::move(replacement.makeGrabber);
     }
     if (replacement.showFrame) {
-        g_services.showFrame = std::move(replacement.showFrame);
+        installed.showFrame = std::move(replacement.showFrame);
     }
+    g_services.set(std::move(installed));
 }
 
 namespace mCodeBaseGlv {
-GrabberSlot pQTGrabber;
+Guarded<std::shared_ptr<CameraGrabber>> pQTGrabber;
 } // namespace mCodeBaseGlv
 
 CameraLinkOwner::~CameraLinkOwner() {
-    mCodeBaseGlv::pQTGrabber.replace(nullptr);
+    mCodeBaseGlv::pQTGrabber.set(nullptr);
 }
 
 namespace mCodeBaseStd {
@@ -58,7 +55,8 @@ namespace mCodeBaseStd {
 void sSetupVideoForCamera() {
     using mCodeBaseGlv::pVideoGoodToGo;
     pVideoGoodToGo = true;
-    const std::shared_ptr<CameraGrabber> grabber = mCodeBaseGlv::pQTGrabber.replace(services().makeGrabber());
+    const std::shared_ptr<CameraGrabber> grabber = services().makeGrabber();
+    mCodeBaseGlv::pQTGrabber.set(grabber);
     const std::optional<QSize> size = camImgSize(mGeneralSettings::current().pCamImgSize);
 
     if (size && !grabber->InitFrameBuffer(size->width(), size->height())) {

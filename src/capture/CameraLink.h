@@ -1,6 +1,6 @@
 #pragma once
 
-#include "capture/GrabberSlot.h"
+#include "base/Guarded.h"
 #include "platform/Picture.h"
 #include "platform/camera/CameraGrabber.h"
 
@@ -35,8 +35,9 @@ public:
 };
 
 namespace mCodeBaseGlv {
-// The one camera grabber, empty before the first set-up.
-extern GrabberSlot pQTGrabber;
+// The one camera grabber, empty before the first set-up. A set-up on one thread may replace it
+// while a photograph on another still reads the old one, which goes when both have let it go.
+extern Guarded<std::shared_ptr<CameraGrabber>> pQTGrabber;
 } // namespace mCodeBaseGlv
 
 namespace mCodeBaseStd {

@@ -1,11 +1,10 @@
 #include "settings/mGeneralSettings.h"
 
-#include "base/NilObjectException.h"
+#include "base/Guarded.h"
 #include "base/mProgramInfo.h"
-#include "platform/FolderItem.h"
+#include "settings/SettingsFile.h"
 #include "settings/TagFile.h"
 
-#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -19,13 +18,7 @@ const std::array<QString, kKeyCount> kKeys = {
 };
 
 namespace {
-std::mutex g_mutex;
-Prefs g_prefs;
-
-void store(const Prefs& prefs) {
-    std::lock_guard lock(g_mutex);
-    g_prefs = prefs;
-}
+Guarded<Prefs> g_prefs;
 
 Prefs fromTexts(const PrefsTexts& texts) {
     return Prefs{
@@ -65,8 +58,7 @@ Prefs defaults() {
 }
 
 Prefs current() {
-    std::lock_guard lock(g_mutex);
-    return g_prefs;
+    return g_prefs.get();
 }
 
 PrefsTexts toTexts(const Prefs& prefs) {
@@ -92,9 +84,8 @@ QString ParsePrefs(const QString& text, const QString& key) {
 }
 
 bool LoadPrefs() {
-    store(defaults());
-    const auto path = GetFolderItem(mProgramInfo::pGeneralSettingsFileName);
-    const auto lines = path ? readTagFileLines(*path, kKeyCount) : std::nullopt;
+    g_prefs.set(defaults());
+    const auto lines = readSettingsFile(mProgramInfo::pGeneralSettingsFileName, kKeyCount);
     if (!lines) {
         SavePrefs(toTexts(current()));
         return false;
@@ -103,25 +94,19 @@ bool LoadPrefs() {
     for (int i = 0; i < kKeyCount; ++i) {
         texts[i] = ParsePrefs(lines->at(i), kKeys[i]);
     }
-    store(fromTexts(texts));
+    g_prefs.set(fromTexts(texts));
     return true;
 }
 
 void SavePrefs(const PrefsTexts& texts) {
     const Prefs prefs = fromTexts(texts);
-    store(prefs);
-    const auto path = GetFolderItem(mProgramInfo::pGeneralSettingsFileName);
-    if (!path) {
-        throw NilObjectException("no place for the general settings file");
-    }
+    g_prefs.set(prefs);
     const PrefsTexts written = toTexts(prefs);
     std::vector<std::pair<QString, QString>> records;
     records.reserve(kKeyCount);
     for (int i = 0; i < kKeyCount; ++i) {
         records.emplace_back(kKeys[i], written[i]);
     }
-    if (!writeTagFile(*path, records)) {
-        throw NilObjectException("cannot write " + path->toStdString());
-    }
+    writeSettingsFile(mProgramInfo::pGeneralSettingsFileName, records);
 }
 } // namespace mGeneralSettings

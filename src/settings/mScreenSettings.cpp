@@ -1,21 +1,13 @@
 #include "settings/mScreenSettings.h"
 
-#include "base/NilObjectException.h"
+#include "base/Guarded.h"
 #include "base/mProgramInfo.h"
-#include "platform/FolderItem.h"
+#include "settings/SettingsFile.h"
 #include "settings/TagFile.h"
-
-#include <mutex>
 
 namespace mScreenSettings {
 namespace {
-std::mutex g_mutex;
-Geometry g_geometry;
-
-void store(const Geometry& geometry) {
-    std::lock_guard lock(g_mutex);
-    g_geometry = geometry;
-}
+Guarded<Geometry> g_geometry;
 
 const QString kHeight = QStringLiteral("pWinHeight");
 const QString kWidth = QStringLiteral("pWinWidth");
@@ -24,8 +16,7 @@ const QString kTop = QStringLiteral("pWinTop");
 } // namespace
 
 Geometry current() {
-    std::lock_guard lock(g_mutex);
-    return g_geometry;
+    return g_geometry.get();
 }
 
 std::int32_t ParsePrefs(const QString& text, const QString& key) {
@@ -33,12 +24,11 @@ std::int32_t ParsePrefs(const QString& text, const QString& key) {
 }
 
 void LoadPrefs() {
-    const auto path = GetFolderItem(mProgramInfo::pScreenSettingsFileName);
-    const auto lines = path ? readTagFileLines(*path, 4) : std::nullopt;
+    const auto lines = readSettingsFile(mProgramInfo::pScreenSettingsFileName, 4);
     if (!lines) {
         return;
     }
-    store(Geometry{
+    g_geometry.set(Geometry{
         .pWinHeight = ParsePrefs(lines->at(0), kHeight),
         .pWinWidth = ParsePrefs(lines->at(1), kWidth),
         .pWinLeft = ParsePrefs(lines->at(2), kLeft),
@@ -47,19 +37,13 @@ void LoadPrefs() {
 }
 
 void SavePrefs(const Geometry& window) {
-    store(window);
-    const auto path = GetFolderItem(mProgramInfo::pScreenSettingsFileName);
-    if (!path) {
-        throw NilObjectException("no place for the window geometry file");
-    }
-    const bool written = writeTagFile(*path, {
-                                                 {kHeight, QString::number(window.pWinHeight)},
-                                                 {kWidth, QString::number(window.pWinWidth)},
-                                                 {kLeft, QString::number(window.pWinLeft)},
-                                                 {kTop, QString::number(window.pWinTop)},
-                                             });
-    if (!written) {
-        throw NilObjectException("cannot write " + path->toStdString());
-    }
+    g_geometry.set(window);
+    writeSettingsFile(mProgramInfo::pScreenSettingsFileName,
+                      {
+                          {kHeight, QString::number(window.pWinHeight)},
+                          {kWidth, QString::number(window.pWinWidth)},
+                          {kLeft, QString::number(window.pWinLeft)},
+                          {kTop, QString::number(window.pWinTop)},
+                      });
 }
 } // namespace mScreenSettings

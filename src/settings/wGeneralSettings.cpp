@@ -4,6 +4,7 @@
 #include "base/Messages.h"
 #include "base/UnhandledException.h"
 #include "platform/FolderItem.h"
+#include "settings/CamImgSize.h"
 #include "settings/TagFile.h"
 #include "settings/mGeneralSettings.h"
 
@@ -23,23 +24,6 @@
 #include <array>
 
 namespace {
-constexpr std::array kCamImgSizes{"SMALL", "MEDIUM", "LARGE"};
-constexpr int kMediumIndex = 1;
-
-// The radio button that a stored size word selects: none for a word it does not know, Medium
-// for a lost (empty) one.
-int camImgSizeIndex(const QString& word) {
-    if (word.isEmpty()) {
-        return kMediumIndex;
-    }
-    for (int index = 0; index < int(kCamImgSizes.size()); ++index) {
-        if (word.compare(QLatin1String(kCamImgSizes[index]), Qt::CaseInsensitive) == 0) {
-            return index;
-        }
-    }
-    return -1;
-}
-
 QString flag(const QCheckBox* box) {
     return box->isChecked() ? "TRUE" : "FALSE";
 }
@@ -185,7 +169,7 @@ void wGeneralSettings::Event_Open() {
         m_chkUseScreen->setChecked(isFlagSet(prefs.pUseScreen));
         m_chkThreeSecondWarning->setChecked(isFlagSet(prefs.pThreeSecondWarning));
         pCamImgSize = prefs.pCamImgSize;
-        if (QAbstractButton* radio = m_rb1->button(camImgSizeIndex(pCamImgSize))) {
+        if (QAbstractButton* radio = m_rb1->button(camImgSizeIndex(pCamImgSize).value_or(-1))) {
             radio->setChecked(true);
         }
         m_chkPrimaryOnly->setChecked(isFlagSet(prefs.pPrimaryOnly));
@@ -267,5 +251,5 @@ void wGeneralSettings::chkUseSpeech_Action(bool checked) {
 }
 
 void wGeneralSettings::rb1_Action(int index) {
-    pCamImgSize = QLatin1String(kCamImgSizes.at(index));
+    pCamImgSize = QLatin1String(kCamImgSizes.at(index).word);
 }

@@ -42,7 +42,7 @@ protected:
     }
 
     void TearDown() override {
-        mCodeBaseGlv::pQTGrabber.replace(nullptr);
+        mCodeBaseGlv::pQTGrabber.set(nullptr);
         mCodeBaseGlv::pVideoGoodToGo = false;
     }
 
@@ -166,7 +166,7 @@ TEST_F(CameraLinkTest, FrameIsACopyThatOutlivesTheLink) {
     EXPECT_NE(bytesOf(*later), firstBytes);
     EXPECT_NE(later->bits, first->bits);
 
-    mCodeBaseGlv::pQTGrabber.replace(nullptr);
+    mCodeBaseGlv::pQTGrabber.set(nullptr);
     EXPECT_EQ(bytesOf(*first), firstBytes);
 }
 

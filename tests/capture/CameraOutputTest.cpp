@@ -95,7 +95,7 @@ protected:
             window->close();
         }
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        mCodeBaseGlv::pQTGrabber.replace(nullptr);
+        mCodeBaseGlv::pQTGrabber.set(nullptr);
         mCodeBaseGlv::pVideoGoodToGo = false;
     }
 
