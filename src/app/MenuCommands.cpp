@@ -5,7 +5,7 @@
 namespace {
 using enum MenuItemKind;
 
-// Shortcuts use Ctrl where the design had the command key.
+// Shortcuts are written with Ctrl, the command key of the desktops the program runs on.
 constexpr std::array kMenuBar{
     MenuEntry{"UntitledMenu2", nullptr, "File", "", Menu},
     MenuEntry{"FileCheckForUpdates", "UntitledMenu2", "Check For Updates ...", "", Command},

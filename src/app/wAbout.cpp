@@ -13,7 +13,7 @@ namespace {
 // The platform this build is for, set by the build.
 constexpr const char* kPlatformWord = KV_PLATFORM_WORD;
 
-// Text sizes are the design's pixel sizes, so that the text keeps its place in the boxes.
+// Text sizes are in pixels, so that the text keeps its place in the boxes at any screen resolution.
 QLabel* makeText(QWidget* parent, const char* name, const QString& text, QRect frame, int pixelSize,
                  bool bold) {
     auto* label = new QLabel(text, parent);
