@@ -7,28 +7,24 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <tuple>
 
 namespace {
 constexpr int kWidth = 100;
 constexpr int kHeight = 80;
 
-// Bounds of the pixels whose alpha passes `test`.
-QRect pixelsWhere(const QImage& image, const std::function<bool(int)>& test) {
+// Bounds of the pixels at least as opaque as `alpha`.
+QRect bounds(const QImage& image, int alpha) {
     QRect bounds;
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
-            if (test(qAlpha(image.pixel(x, y)))) {
-                bounds |= QRect(x, y, 1, 1);
-            }
+            bounds |= qAlpha(image.pixel(x, y)) >= alpha ? QRect(x, y, 1, 1) : QRect();
         }
     }
     return bounds;
 }
 QRect inked(const QImage& image) {
-    return pixelsWhere(image, [](int alpha) { return alpha > 0; });
-}
-QRect solid(const QImage& image) {
-    return pixelsWhere(image, [](int alpha) { return alpha == 255; });
+    return bounds(image, 1);
 }
 
 class Surface final : public EasyOverlayWindow {
@@ -96,7 +92,7 @@ TEST_F(OverlayDrawingTest, ShapesLandWhereTheirArithmeticPutsThem) {
         shape.draw(surface);
         const QImage image = shown();
         EXPECT_EQ(inked(image), shape.inked);
-        EXPECT_EQ(solid(image), shape.solid);
+        EXPECT_EQ(bounds(image, 255), shape.solid);
     }
 }
 

@@ -16,27 +16,16 @@
 #include <vector>
 
 namespace {
-// The pointer as the user moves it: through the X server, the window manager and Qt.
-class Pointer {
-public:
-    Pointer()
-        : m_connection(xcb_connect(nullptr, nullptr), &xcb_disconnect)
-        , m_root(xcb_setup_roots_iterator(xcb_get_setup(m_connection.get())).data->root) {}
-
-    void moveTo(QPoint at) { send(XCB_MOTION_NOTIFY, 0, at); }
-    void press() { send(XCB_BUTTON_PRESS, XCB_BUTTON_INDEX_1, {}); }
-    void release() { send(XCB_BUTTON_RELEASE, XCB_BUTTON_INDEX_1, {}); }
-
-private:
-    void send(std::uint8_t type, std::uint8_t detail, QPoint at) {
-        xcb_test_fake_input(m_connection.get(), type, detail, XCB_CURRENT_TIME, m_root,
-                            static_cast<std::int16_t>(at.x()), static_cast<std::int16_t>(at.y()), 0);
-        xcb_flush(m_connection.get());
-    }
-
-    std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> m_connection;
-    xcb_window_t m_root;
-};
+// The pointer as the user moves it, through the X server, the window manager and Qt: motion to
+// a point, or a press or release of the first button.
+void pointer(std::uint8_t type, QPoint at = {}) {
+    static const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> connection(
+        xcb_connect(nullptr, nullptr), &xcb_disconnect);
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection.get())).data->root;
+    xcb_test_fake_input(connection.get(), type, type == XCB_MOTION_NOTIFY ? 0 : 1, XCB_CURRENT_TIME, root,
+                        static_cast<std::int16_t>(at.x()), static_cast<std::int16_t>(at.y()), 0);
+    xcb_flush(connection.get());
+}
 
 // An owner that keeps what it hears.
 class Owner final : public EasyOverlayWindow {
@@ -62,15 +51,11 @@ QRgb onScreen(QPoint at) {
 class OverlaySurfaceTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
-        s_manager = new QProcess();
+        s_manager = std::make_unique<QProcess>();
         s_manager->start("openbox", {"--sm-disable"});
         ASSERT_TRUE(s_manager->waitForStarted(5000)) << "openbox keeps the windows in order";
     }
-    static void TearDownTestSuite() {
-        s_manager->terminate();
-        s_manager->waitForFinished(3000);
-        delete s_manager;
-    }
+    static void TearDownTestSuite() { s_manager.reset(); }
 
     // A surface of 120 by 80 whose left half is drawn in red.
     void SetUp() override {
@@ -86,25 +71,24 @@ protected:
     // `settled` holds for the distance so far, then lets go where it ends.
     QPoint dragBy(const std::vector<QPoint>& steps, const std::function<bool(QPoint)>& settled) {
         const QPoint pressedAt = start + kDrawn;
-        pointer.moveTo(pressedAt);
-        pointer.press();
+        pointer(XCB_MOTION_NOTIFY, pressedAt);
+        pointer(XCB_BUTTON_PRESS);
         EXPECT_TRUE(QTest::qWaitFor([&] { return !owner.downs.empty(); }, 5000));
         QPoint moved;
         for (const QPoint step : steps) {
             moved += step;
-            pointer.moveTo(pressedAt + moved);
+            pointer(XCB_MOTION_NOTIFY, pressedAt + moved);
             // The next step goes from where this one has put the surface.
             EXPECT_TRUE(QTest::qWaitFor([&] { return settled(moved); }, 5000));
         }
-        pointer.release();
+        pointer(XCB_BUTTON_RELEASE);
         return moved;
     }
 
-    static inline QProcess* s_manager = nullptr;
+    static inline std::unique_ptr<QProcess> s_manager;
     static constexpr QPoint kDrawn{30, 40};
     static constexpr QRgb kRed = qRgb(255, 0, 0);
     Owner owner;
-    Pointer pointer;
     const QPoint start{200, 150};
 };
 } // namespace
