@@ -51,15 +51,20 @@ QLabel* makeLabel(QWidget* parent, const char* name, const QString& text, QRect 
     return label;
 }
 
-// Only digits go in, and no more than `digits` of them; an empty field stays possible.
-QLineEdit* makeNumberField(QWidget* parent, const char* name, int digits, QRect frame) {
+// Holds what the user types to the pattern. A maximum length would serve for the length alone,
+// but it would also cut a longer value from the settings file as the window shows it.
+QLineEdit* makeLineEdit(QWidget* parent, const char* name, const QString& pattern, QRect frame) {
     auto* field = new QLineEdit(parent);
     field->setObjectName(name);
     field->setGeometry(frame);
-    field->setMaxLength(digits);
-    field->setValidator(
-        new QRegularExpressionValidator(QRegularExpression(QString("[0-9]{0,%1}").arg(digits)), field));
+    field->setValidator(new QRegularExpressionValidator(
+        QRegularExpression(pattern, QRegularExpression::DotMatchesEverythingOption), field));
     return field;
+}
+
+// Only digits go in, and no more than `digits` of them; an empty field stays possible.
+QLineEdit* makeNumberField(QWidget* parent, const char* name, int digits, QRect frame) {
+    return makeLineEdit(parent, name, QString("[0-9]{0,%1}").arg(digits), frame);
 }
 
 QCheckBox* makeCheckBox(QWidget* parent, const char* name, const QString& text, QRect frame) {
@@ -127,10 +132,7 @@ wGeneralSettings::wGeneralSettings()
     m_chkHideWindow = makeCheckBox(this, "chkHideWindow", "Hide Window", {20, 350, 211, 20});
     m_chkUseCamera = makeCheckBox(this, "chkUseCamera", "Capture Webcam", {291, 352, 211, 20});
     makeLabel(this, "stt4", "Text to Speak", {20, 386, 100, 20});
-    m_edtTextToSpeak = new QLineEdit(this);
-    m_edtTextToSpeak->setObjectName("edtTextToSpeak");
-    m_edtTextToSpeak->setGeometry(132, 385, 370, 21);
-    m_edtTextToSpeak->setMaxLength(50);
+    m_edtTextToSpeak = makeLineEdit(this, "edtTextToSpeak", ".{0,50}", {132, 385, 370, 21});
     makeLabel(this, "sttCamImgSize", "Camera Image Size", {20, 418, 124, 20});
     m_rb1 = new QButtonGroup(this);
     const std::array<std::pair<const char*, QRect>, 3> radios{
