@@ -109,20 +109,13 @@ TEST_F(SettingsWindowTest, FieldLimitsApplyWhenTheFocusMovesOn) {
 }
 
 TEST_F(SettingsWindowTest, TypingStopsAtTheFieldLengthsAndNumberFieldsTakeOnlyDigits) {
-    const struct {
-        const char* field;
-        QString typed;
-        QString shown;
-    } cases[] = {
-        {"edtInterval", "12a-3 4567", "123456"},
-        {"edtQuality", "8x90", "890"},
-        {"edtTextToSpeak", QString(48, 'a') + "<b>c", QString(48, 'a') + "<b"},
-    };
     open();
-    for (const auto& c : cases) {
-        retype(field(c.field), c.typed);
-        EXPECT_EQ(field(c.field)->text(), c.shown) << c.field;
-    }
+    retype(field("edtInterval"), "12a-3 4567");
+    EXPECT_EQ(field("edtInterval")->text(), "123456");
+    retype(field("edtQuality"), "8x90");
+    EXPECT_EQ(field("edtQuality")->text(), "890");
+    retype(field("edtTextToSpeak"), QString(48, 'a') + "<b>c");
+    EXPECT_EQ(field("edtTextToSpeak")->text(), QString(48, 'a') + "<b");
 }
 
 TEST_F(SettingsWindowTest, StoredValuesLongerThanTheFieldsShowWholeAndSaveUnchanged) {
