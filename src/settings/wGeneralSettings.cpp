@@ -20,6 +20,7 @@
 #include <QRadioButton>
 #include <QRegularExpressionValidator>
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -51,20 +52,21 @@ QLabel* makeLabel(QWidget* parent, const char* name, const QString& text, QRect 
     return label;
 }
 
-// Holds what the user types to the pattern. A maximum length would serve for the length alone,
-// but it would also cut a longer value from the settings file as the window shows it.
-QLineEdit* makeLineEdit(QWidget* parent, const char* name, const QString& pattern, QRect frame) {
+// Only digits go in, and no more than `digits` of them; an empty field stays possible.
+QLineEdit* makeNumberField(QWidget* parent, const char* name, int digits, QRect frame) {
     auto* field = new QLineEdit(parent);
     field->setObjectName(name);
     field->setGeometry(frame);
-    field->setValidator(new QRegularExpressionValidator(
-        QRegularExpression(pattern, QRegularExpression::DotMatchesEverythingOption), field));
+    field->setMaxLength(digits);
+    field->setValidator(new QRegularExpressionValidator(QRegularExpression("[0-9]*"), field));
     return field;
 }
 
-// Only digits go in, and no more than `digits` of them; an empty field stays possible.
-QLineEdit* makeNumberField(QWidget* parent, const char* name, int digits, QRect frame) {
-    return makeLineEdit(parent, name, QString("[0-9]{0,%1}").arg(digits), frame);
+// A value from the settings file is shown whole: a field's length holds only what the user types,
+// so it widens to take a longer value rather than cut it.
+void showStored(QLineEdit* field, const QString& text) {
+    field->setMaxLength(std::max(field->maxLength(), int(text.size())));
+    field->setText(text);
 }
 
 QCheckBox* makeCheckBox(QWidget* parent, const char* name, const QString& text, QRect frame) {
@@ -132,7 +134,10 @@ wGeneralSettings::wGeneralSettings()
     m_chkHideWindow = makeCheckBox(this, "chkHideWindow", "Hide Window", {20, 350, 211, 20});
     m_chkUseCamera = makeCheckBox(this, "chkUseCamera", "Capture Webcam", {291, 352, 211, 20});
     makeLabel(this, "stt4", "Text to Speak", {20, 386, 100, 20});
-    m_edtTextToSpeak = makeLineEdit(this, "edtTextToSpeak", ".{0,50}", {132, 385, 370, 21});
+    m_edtTextToSpeak = new QLineEdit(this);
+    m_edtTextToSpeak->setObjectName("edtTextToSpeak");
+    m_edtTextToSpeak->setGeometry(132, 385, 370, 21);
+    m_edtTextToSpeak->setMaxLength(50);
     makeLabel(this, "sttCamImgSize", "Camera Image Size", {20, 418, 124, 20});
     m_rb1 = new QButtonGroup(this);
     const std::array<std::pair<const char*, QRect>, 3> radios{
@@ -176,10 +181,10 @@ void wGeneralSettings::Event_Open() {
     runGuarded([this] {
         App().pSpecialWindowOpen = true;
         const mGeneralSettings::Prefs prefs = mGeneralSettings::current();
-        m_edtInterval->setText(QString::number(prefs.pInterval));
+        showStored(m_edtInterval, QString::number(prefs.pInterval));
         m_edtDestination->setPlainText(prefs.pDestination);
-        m_edtQuality->setText(QString::number(prefs.pQuality));
-        m_edtTextToSpeak->setText(prefs.pTextToSpeak);
+        showStored(m_edtQuality, QString::number(prefs.pQuality));
+        showStored(m_edtTextToSpeak, prefs.pTextToSpeak);
         m_chkUpdateStartup->setChecked(isFlagSet(prefs.pUpdateAtStartup));
         m_chkShowCountdown->setChecked(isFlagSet(prefs.pShowCountdown));
         m_chkUseSpeech->setChecked(isFlagSet(prefs.pUseSpeech));

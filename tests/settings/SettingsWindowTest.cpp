@@ -129,6 +129,8 @@ TEST_F(SettingsWindowTest, StoredValuesLongerThanTheFieldsShowWholeAndSaveUnchan
     EXPECT_EQ(field("edtInterval")->text(), "1234567");
     EXPECT_EQ(field("edtQuality")->text(), "1000");
     EXPECT_EQ(field("edtTextToSpeak")->text(), prefs.pTextToSpeak);
+    QTest::keyClicks(field("edtTextToSpeak"), "!");
+    EXPECT_EQ(field("edtTextToSpeak")->text(), prefs.pTextToSpeak) << "typing makes it no longer";
     click("btnSave");
     EXPECT_EQ(readBinFile("KestrelviewPreferences.ini"), file);
 }
