@@ -167,6 +167,7 @@ TEST_F(CameraOutputTest, WindowTakesTheFrameSizeUnlessItPassesTwoThirdsOfTheScre
         {QSize(684, 400), FrameWindowKind::Output, QSize(342, 200)},
         {QSize(400, 513), FrameWindowKind::Output, QSize(200, 256)},
         {QSize(200, 150), FrameWindowKind::OutputSmall, QSize(200, 150)},
+        {QSize(40, 30), FrameWindowKind::OutputSmall, QSize(64, 64)}, // the smallest window
     };
     for (const SizeCase& c : cases) {
         SCOPED_TRACE(testing::Message() << c.frame.width() << "x" << c.frame.height());
