@@ -2,11 +2,14 @@
 
 #include "base/UnhandledException.h"
 #include "capture/CameraFrameFile.h"
+#include "capture/FrameWindowSize.h"
 #include "platform/Clock.h"
+#include "platform/screen/ScreenList.h"
 
 #include <QCloseEvent>
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QPainter>
+#include <QScreen>
 
 #include <utility>
 
@@ -21,6 +24,10 @@ QImage viewOf(const Picture& picture) {
         picture.layout == PixelLayout::Bgrx32 ? QImage::Format_RGB32 : QImage::Format_RGB888;
     return QImage(picture.bits, picture.width, picture.height, picture.strideBytes, format);
 }
+
+QSize logicalSize(QSize devicePixels, qreal ratio) {
+    return (QSizeF(devicePixels) / ratio).toSize();
+}
 } // namespace
 
 CameraFrameWindow::CameraFrameWindow(Picture frame, Qt::WindowFlags kind, const Clock& clock)
@@ -30,15 +37,25 @@ CameraFrameWindow::CameraFrameWindow(Picture frame, Qt::WindowFlags kind, const 
     , m_view(viewOf(m_Pic)) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle("Video Camera Output");
-    setMinimumSize(64, 64);
-    setMaximumSize(32000, 32000);
-    resize(300, 300);
+    sizeToFrame();
     m_timTimer1.setTimerType(Qt::PreciseTimer);
     m_timTimer1.setInterval(kShowMs);
     connect(&m_timTimer1, &QTimer::timeout, this, &CameraFrameWindow::timTimer1_Action);
     // The program's end must not cost the frame on the screen its file.
     connect(qApp, &QCoreApplication::aboutToQuit, this, &QWidget::close);
     m_timTimer1.start();
+}
+
+// The frame, the screen and the window's limits count the screen's own pixels, which Qt's sizes
+// do not where the screen is scaled: a frame is shown at one screen pixel per frame pixel.
+void CameraFrameWindow::sizeToFrame() {
+    const QScreen* mainScreen = QGuiApplication::primaryScreen();
+    const QSize frame(m_Pic.width, m_Pic.height);
+    const qreal ratio = mainScreen ? mainScreen->devicePixelRatio() : 1.0;
+    const QSize window = mainScreen ? frameWindowSize(frame, devicePixels(*mainScreen).size()) : frame;
+    setMinimumSize(logicalSize(QSize(64, 64), ratio));
+    setMaximumSize(logicalSize(QSize(32000, 32000), ratio));
+    resize(logicalSize(window, ratio));
 }
 
 void CameraFrameWindow::paintEvent(QPaintEvent*) {

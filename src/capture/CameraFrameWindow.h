@@ -14,7 +14,8 @@ class CameraFrameWindow : public QWidget {
     Q_OBJECT
 
 public:
-    // GUI thread. The window deletes itself once closed.
+    // GUI thread. The window sizes itself to the frame and the main screen, and deletes itself
+    // once closed.
     CameraFrameWindow(Picture frame, Qt::WindowFlags kind, const Clock& clock);
 
     const Picture& Pic() const { return m_Pic; }
@@ -24,6 +25,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    void sizeToFrame();
     void timTimer1_Action();
 
     const Clock& m_clock;

@@ -2,24 +2,19 @@
 
 #include "base/GuiThread.h"
 #include "base/UnhandledException.h"
-#include "capture/FrameWindowSize.h"
 #include "capture/wOutput.h"
 #include "capture/wOutputSmall.h"
 
 #include <QApplication>
-#include <QScreen>
 
 namespace {
 void openFrameWindow(Picture frame, FrameWindowKind kind, const Clock& clock) {
-    const QSize frameSize(frame.width, frame.height);
     CameraFrameWindow* window = nullptr;
     if (kind == FrameWindowKind::OutputSmall) {
         window = new wOutputSmall(std::move(frame), clock);
     } else {
         window = new wOutput(std::move(frame), clock);
     }
-    const QScreen* mainScreen = QGuiApplication::primaryScreen();
-    window->resize(mainScreen ? frameWindowSize(frameSize, mainScreen->geometry().size()) : frameSize);
     window->show();
 }
 } // namespace

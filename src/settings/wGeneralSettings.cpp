@@ -21,6 +21,7 @@
 #include <QRadioButton>
 #include <QRegularExpressionValidator>
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -41,9 +42,15 @@ QLineEdit* makeNumberField(QWidget* parent, const char* name, int digits, QRect 
     field->setObjectName(name);
     field->setGeometry(frame);
     field->setMaxLength(digits);
-    field->setValidator(
-        new QRegularExpressionValidator(QRegularExpression(QString("[0-9]{0,%1}").arg(digits)), field));
+    field->setValidator(new QRegularExpressionValidator(QRegularExpression("[0-9]*"), field));
     return field;
+}
+
+// A value from the settings file is shown whole: a field's length holds only what the user types,
+// so it widens to take a longer value rather than cut it.
+void showStored(QLineEdit* field, const QString& text) {
+    field->setMaxLength(std::max(field->maxLength(), int(text.size())));
+    field->setText(text);
 }
 
 QCheckBox* makeCheckBox(QWidget* parent, const char* name, const QString& text, QRect frame) {
@@ -158,10 +165,10 @@ void wGeneralSettings::Event_Open() {
     runGuarded([this] {
         App().pSpecialWindowOpen = true;
         const mGeneralSettings::Prefs prefs = mGeneralSettings::current();
-        m_edtInterval->setText(QString::number(prefs.pInterval));
+        showStored(m_edtInterval, QString::number(prefs.pInterval));
         m_edtDestination->setPlainText(prefs.pDestination);
-        m_edtQuality->setText(QString::number(prefs.pQuality));
-        m_edtTextToSpeak->setText(prefs.pTextToSpeak);
+        showStored(m_edtQuality, QString::number(prefs.pQuality));
+        showStored(m_edtTextToSpeak, prefs.pTextToSpeak);
         m_chkUpdateStartup->setChecked(isFlagSet(prefs.pUpdateAtStartup));
         m_chkShowCountdown->setChecked(isFlagSet(prefs.pShowCountdown));
         m_chkUseSpeech->setChecked(isFlagSet(prefs.pUseSpeech));

@@ -142,6 +142,11 @@ void expectTwoColours(const QImage& image) {
     EXPECT_LT(right.red(), 60);
 }
 
+// What the window covers of the screen, which is what the sizes count where the screen is scaled.
+QSize devicePixels(const QWidget* window) {
+    return window->size() * window->devicePixelRatio();
+}
+
 bool isProgressiveJpeg(const QString& path) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) && file.readAll().contains(QByteArray("\xff\xc2", 2));
@@ -154,19 +159,21 @@ struct SizeCase {
 };
 
 TEST_F(CameraOutputTest, WindowTakesTheFrameSizeUnlessItPassesTwoThirdsOfTheScreen) {
-    // The main screen is 1024 by 768: limits 682.67 and 512.
+    // The main screen is 1024 by 768 pixels: limits 682.67 and 512. Halves stay even, so that
+    // they hold at a device pixel ratio of 2 too.
     const SizeCase cases[] = {
         {QSize(800, 600), FrameWindowKind::Output, QSize(400, 300)},
         {QSize(682, 512), FrameWindowKind::Output, QSize(682, 512)},
-        {QSize(683, 400), FrameWindowKind::Output, QSize(341, 200)},
+        {QSize(684, 400), FrameWindowKind::Output, QSize(342, 200)},
         {QSize(400, 513), FrameWindowKind::Output, QSize(200, 256)},
         {QSize(200, 150), FrameWindowKind::OutputSmall, QSize(200, 150)},
+        {QSize(40, 30), FrameWindowKind::OutputSmall, QSize(64, 64)}, // the smallest window
     };
     for (const SizeCase& c : cases) {
         SCOPED_TRACE(testing::Message() << c.frame.width() << "x" << c.frame.height());
         CameraFrameWindow* window = open(twoColourFrame(c.frame.width(), c.frame.height()), c.kind);
         ASSERT_NE(window, nullptr);
-        EXPECT_EQ(window->size(), c.window);
+        EXPECT_EQ(devicePixels(window), c.window);
         EXPECT_EQ(window->windowTitle(), "Video Camera Output");
         EXPECT_EQ(dynamic_cast<wOutputSmall*>(window) != nullptr, c.kind == FrameWindowKind::OutputSmall);
         EXPECT_EQ(window->Pic().width, c.frame.width());
@@ -180,7 +187,7 @@ TEST_F(CameraOutputTest, HalfSizeWindowClosesItselfAndWritesTheFullFrame) {
     shown.start();
     CameraFrameWindow* window = open(twoColourFrame(800, 600), FrameWindowKind::Output);
     ASSERT_NE(window, nullptr);
-    EXPECT_EQ(window->size(), QSize(400, 300));
+    EXPECT_EQ(devicePixels(window), QSize(400, 300));
     // What the window paints is the frame stretched to it.
     expectTwoColours(window->grab().toImage());
 

@@ -108,12 +108,31 @@ TEST_F(SettingsWindowTest, FieldLimitsApplyWhenTheFocusMovesOn) {
     }
 }
 
-TEST_F(SettingsWindowTest, NumberFieldsTakeOnlyDigitsUpToTheirLength) {
+TEST_F(SettingsWindowTest, TypingStopsAtTheFieldLengthsAndNumberFieldsTakeOnlyDigits) {
     open();
     retype(field("edtInterval"), "12a-3 4567");
     EXPECT_EQ(field("edtInterval")->text(), "123456");
     retype(field("edtQuality"), "8x90");
     EXPECT_EQ(field("edtQuality")->text(), "890");
+    retype(field("edtTextToSpeak"), QString(48, 'a') + "<b>c");
+    EXPECT_EQ(field("edtTextToSpeak")->text(), QString(48, 'a') + "<b");
+}
+
+TEST_F(SettingsWindowTest, StoredValuesLongerThanTheFieldsShowWholeAndSaveUnchanged) {
+    mGeneralSettings::Prefs prefs = quietPrefs();
+    prefs.pInterval = 1234567;
+    prefs.pQuality = 1000;
+    prefs.pTextToSpeak = QString("Say Cheese, ").repeated(5);
+    writePrefs(prefs);
+    const QByteArray file = readBinFile("KestrelviewPreferences.ini");
+    open();
+    EXPECT_EQ(field("edtInterval")->text(), "1234567");
+    EXPECT_EQ(field("edtQuality")->text(), "1000");
+    EXPECT_EQ(field("edtTextToSpeak")->text(), prefs.pTextToSpeak);
+    QTest::keyClicks(field("edtTextToSpeak"), "!");
+    EXPECT_EQ(field("edtTextToSpeak")->text(), prefs.pTextToSpeak) << "typing makes it no longer";
+    click("btnSave");
+    EXPECT_EQ(readBinFile("KestrelviewPreferences.ini"), file);
 }
 
 TEST_F(SettingsWindowTest, AnotherWindowComingInFrontIsNoLossOfFocus) {

@@ -3,14 +3,12 @@
 #include <QGuiApplication>
 #include <QScreen>
 
-namespace {
 QRect devicePixels(const QScreen& screen) {
     const QRect logical = screen.geometry();
     const qreal ratio = screen.devicePixelRatio();
     return QRect(qRound(logical.x() * ratio), qRound(logical.y() * ratio), qRound(logical.width() * ratio),
                  qRound(logical.height() * ratio));
 }
-} // namespace
 
 QList<QRect> screenAreas() {
     QList<QRect> areas;
