@@ -93,7 +93,7 @@ QString ParsePrefs(const QString& text, const QString& key) {
 
 bool LoadPrefs() {
     store(defaults());
-    const auto path = GetFolderItem(mProgramInfo::pGeneralSettingsFileName);
+    const auto path = GetFolderItem(mProgramInfo::pGeneralSettingsFileName, FolderPlace::Settings);
     const auto lines = path ? readTagFileLines(*path, kKeyCount) : std::nullopt;
     if (!lines) {
         SavePrefs(toTexts(current()));
@@ -110,7 +110,7 @@ bool LoadPrefs() {
 void SavePrefs(const PrefsTexts& texts) {
     const Prefs prefs = fromTexts(texts);
     store(prefs);
-    const auto path = GetFolderItem(mProgramInfo::pGeneralSettingsFileName);
+    const auto path = GetFolderItem(mProgramInfo::pGeneralSettingsFileName, FolderPlace::Settings);
     if (!path) {
         throw NilObjectException("no place for the general settings file");
     }

@@ -33,7 +33,7 @@ std::int32_t ParsePrefs(const QString& text, const QString& key) {
 }
 
 void LoadPrefs() {
-    const auto path = GetFolderItem(mProgramInfo::pScreenSettingsFileName);
+    const auto path = GetFolderItem(mProgramInfo::pScreenSettingsFileName, FolderPlace::Settings);
     const auto lines = path ? readTagFileLines(*path, 4) : std::nullopt;
     if (!lines) {
         return;
@@ -48,7 +48,7 @@ void LoadPrefs() {
 
 void SavePrefs(const Geometry& window) {
     store(window);
-    const auto path = GetFolderItem(mProgramInfo::pScreenSettingsFileName);
+    const auto path = GetFolderItem(mProgramInfo::pScreenSettingsFileName, FolderPlace::Settings);
     if (!path) {
         throw NilObjectException("no place for the window geometry file");
     }
