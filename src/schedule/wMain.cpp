@@ -121,6 +121,15 @@ void wMain::installMenuBar(QMenuBar* bar) {
     setFixedSize(minimumFrameSize());
 }
 
+void wMain::captureNow() {
+    timSnapShot_Action();
+}
+
+void wMain::setPaused(bool paused) {
+    runGuarded([&] { m_schedule.setPaused(paused); });
+    emit pausedChanged(paused);
+}
+
 void wMain::closeEvent(QCloseEvent* event) {
     runGuarded([this] {
         fxWindowTransition(this, "WarpFade", "Right", 1, 0);
