@@ -18,6 +18,14 @@ int runProgram(int& argc, char** argv, std::optional<SessionCommand> command) {
     DialogPresenter presenter; // outlives the capture runs that may still ask for a dialog
     installMessagePresenter(&presenter);
     Kestrelview app(argc, argv);
+    // Published as early as can be, so that a later start finds somebody to answer; what it asks
+    // is carried out once the event loop runs, and the main window is there by then.
+    const auto channel = makeSessionChannel();
+    channel->publish([](SessionCommand asked) {
+        if (wMain* window = wMain::instance()) {
+            carryOut(*window, asked);
+        }
+    });
     if (!app.Event_Open()) {
         return 0;
     }
@@ -29,9 +37,6 @@ int runProgram(int& argc, char** argv, std::optional<SessionCommand> command) {
     {
         wMain window(runner);
         connectMainWindow(window);
-        // Published before the window opens, so that a start during a long open waits its turn.
-        const auto channel = makeSessionChannel();
-        channel->publish([&window](SessionCommand asked) { carryOut(window, asked); });
         window.Event_Open();
         if (command) {
             carryOut(window, *command);
