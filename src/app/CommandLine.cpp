@@ -55,10 +55,10 @@ CommandLine parseCommandLine(const QStringList& arguments) {
         return failure("Unexpected argument: " + parser.positionalArguments().constFirst());
     }
     if (parser.isSet(help)) {
-        // Parsed before any application object exists, which is where the parser takes the name from.
-        return ending(
-            CommandLine::Action::Print,
-            parser.helpText().replace("<executable_name>", QFileInfo(arguments.value(0)).fileName()));
+        // The parser names the program after the application object, which need not exist yet.
+        const QString options = parser.helpText();
+        return ending(CommandLine::Action::Print, "Usage: " + QFileInfo(arguments.value(0)).fileName() +
+                                                      " [options]" + options.mid(options.indexOf('\n')));
     }
     if (parser.isSet(version)) {
         return ending(CommandLine::Action::Print,

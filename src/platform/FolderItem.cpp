@@ -20,11 +20,13 @@ QString userFolder(QStandardPaths::StandardLocation location) {
     return folder;
 }
 
+// Only a folder that is there and refuses writing sends the files to the user's folders; a
+// folder that is not there at all fails as it always did.
 bool applicationFolderWritable() {
-    const QString folder = platform::applicationFolder();
+    const QFileInfo folder(platform::applicationFolder());
     std::lock_guard lock(g_mutex);
     if (!g_applicationFolderWritable) {
-        g_applicationFolderWritable = QFileInfo(folder).isWritable();
+        g_applicationFolderWritable = !folder.exists() || folder.isWritable();
     }
     return *g_applicationFolderWritable;
 }

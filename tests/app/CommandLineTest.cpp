@@ -35,7 +35,7 @@ TEST(CommandLineTest, EachOptionAsksForOneThing) {
     EXPECT_FALSE(parseCommandLine({"kestrelview", "--autostart=off"}).autostart);
     EXPECT_EQ(parseCommandLine({"kestrelview", "--version"}).text, "Kestrelview 1.7.0\n");
     const QString help = parseCommandLine({"/usr/bin/kestrelview", "--help"}).text;
-    EXPECT_TRUE(help.startsWith("Usage: kestrelview [options]")) << help.toStdString();
+    EXPECT_TRUE(help.startsWith("Usage: kestrelview [options]\n")) << help.toStdString();
     EXPECT_TRUE(help.contains("--capture-now"));
 }
 

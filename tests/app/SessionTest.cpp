@@ -104,7 +104,8 @@ TEST_F(Session, AFolderThatCannotBeWrittenKeepsItsFilesWithTheUser) {
           "unshare");
     ASSERT_TRUE(published());
     const QString settings = home + "/.config/Kestrelview/";
-    EXPECT_EQ(readAll(settings + "KestrelviewPreferences.ini"), kDefaultPreferences);
+    EXPECT_TRUE(waitFor(
+        [&] { return readAll(settings + "KestrelviewPreferences.ini") == kDefaultPreferences; }, 15000));
 
     ASSERT_EQ(runOnce({"--capture-now"}), 0);
     const QString folder = home + "/Bilder/Kestrelview/Screen Images";
