@@ -1,5 +1,6 @@
 #include "app/ApplicationCommands.h"
 
+#include "app/Autostart.h"
 #include "app/Menu.h"
 #include "app/wAbout.h"
 #include "base/DialogWindow.h"
@@ -38,6 +39,10 @@ void connectMainWindow(wMain& window) {
     setDockMenu(menu->trayMenu());
     // The end of the program is the main window's close, which keeps its place.
     QObject::connect(menu, &Menu::quitRequested, &window, &QWidget::close);
+    QObject::connect(menu, &Menu::captureNowRequested, &window, &wMain::captureNow);
+    QObject::connect(menu, &Menu::pauseRequested, &window, &wMain::setPaused);
+    QObject::connect(&window, &wMain::pausedChanged, menu, &Menu::setPaused);
+    QObject::connect(menu, &Menu::startAtLoginRequested, menu, [](bool on) { setAutostart(on); });
     // The about window suspends the schedule, so it answers false and lets an application
     // handler have its turn.
     window.menuHandlers().AddMenuHandler("HelpAbout", [&window] {

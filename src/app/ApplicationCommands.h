@@ -8,6 +8,6 @@ void _ApplicationAddMenuHandlers();
 bool _ToolsShowMainWindow_Action();
 bool _ToolsHideMainWindow_Action();
 
-// Hangs the program's own parts on the main window: the menu bar and tray menu, Quit, and the
-// about window's command.
+// Hangs the program's own parts on the main window: the menu bar and tray menu, Quit, the tray's
+// own commands, and the about window's command.
 void connectMainWindow(wMain& window);

@@ -15,7 +15,7 @@ Kestrelview::Kestrelview(int& argc, char** argv)
     : QApplication(argc, argv) {
     setApplicationName(mProgramInfo::pProgramName);
     setApplicationVersion(mProgramInfo::pProgramVersion);
-    setDesktopFileName("kestrelview");
+    setDesktopFileName(mProgramInfo::kDesktopId);
 }
 
 bool Kestrelview::Event_Open() {

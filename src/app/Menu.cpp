@@ -1,5 +1,6 @@
 #include "app/Menu.h"
 
+#include "app/Autostart.h"
 #include "app/MenuCommands.h"
 #include "base/UnhandledException.h"
 
@@ -15,8 +16,10 @@ const MenuHandlers* activeWindowHandlers() {
     return host != nullptr ? &host->menuHandlers() : nullptr;
 }
 
-// The names of the items that the tray menu shares, in its order; the empty name is a line.
-constexpr const char* kTrayItems[] = {"ToolsShowMainWindow", "ToolsHideMainWindow", "", "FileQuit"};
+// The tray menu in its order: the items it shares with the bar, its own items (named Tray...),
+// and lines (the empty name).
+constexpr const char* kTrayItems[] = {"ToolsShowMainWindow", "ToolsHideMainWindow", "", "TrayCaptureNow",
+                                      "TrayPause",           "TrayStartAtLogin",    "", "FileQuit"};
 
 // The toolkit's own roles, which a platform with an application menu uses to move these items.
 QAction::MenuRole roleOf(const QString& name) {
@@ -67,6 +70,21 @@ Menu::Menu()
                 [this, name, kind = entry.kind] { itemTriggered(name, kind); });
         m_items.emplace(name, action);
     }
+    addTrayItems();
+    // Queued, so that the application has taken note of the new active window first.
+    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &Menu::refreshLiveItems,
+            Qt::QueuedConnection);
+    refreshLiveItems();
+}
+
+void Menu::addTrayItems() {
+    connect(addTrayCommand("TrayCaptureNow", "Capture Now"), &QAction::triggered, this,
+            &Menu::captureNowRequested);
+    connect(addTrayCommand("TrayPause", "Pause"), &QAction::triggered, this,
+            [this] { emit pauseRequested(!m_paused); });
+    QAction* startAtLogin = addTrayCommand("TrayStartAtLogin", "Start at Login");
+    startAtLogin->setCheckable(true);
+    connect(startAtLogin, &QAction::triggered, this, &Menu::startAtLoginRequested);
     for (const char* name : kTrayItems) {
         if (*name == '\0') {
             m_trayMenu->addSeparator();
@@ -74,11 +92,22 @@ Menu::Menu()
             m_trayMenu->addAction(item(QString::fromLatin1(name)));
         }
     }
-    connect(m_trayMenu, &QMenu::aboutToShow, this, &Menu::refreshLiveItems);
-    // Queued, so that the application has taken note of the new active window first.
-    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &Menu::refreshLiveItems,
-            Qt::QueuedConnection);
-    refreshLiveItems();
+    connect(m_trayMenu, &QMenu::aboutToShow, this, [this, startAtLogin] {
+        refreshLiveItems();
+        startAtLogin->setChecked(autostartEnabled());
+    });
+}
+
+QAction* Menu::addTrayCommand(const QString& name, const QString& text) {
+    auto* action = new QAction(text, this);
+    action->setObjectName(name);
+    m_items.emplace(name, action);
+    return action;
+}
+
+void Menu::setPaused(bool paused) {
+    m_paused = paused;
+    item("TrayPause")->setText(paused ? "Resume" : "Pause");
 }
 
 QAction* Menu::item(const QString& name) const {

@@ -24,11 +24,21 @@ public:
     QAction* item(const QString& name) const;
     QMenu* trayMenu() const { return m_trayMenu; }
 
+public slots:
+    // The tray's Pause item offers the other state.
+    void setPaused(bool paused);
+
 signals:
     // Quit was chosen; the program ends by whichever path its owner gives it.
     void quitRequested();
+    // The tray's own commands.
+    void captureNowRequested();
+    void pauseRequested(bool pause);
+    void startAtLoginRequested(bool on);
 
 private:
+    void addTrayItems();
+    QAction* addTrayCommand(const QString& name, const QString& text);
     Menu();
     QMenu* addTopLevelMenu(const QString& name, const QString& text);
     void refreshLiveItems();
@@ -37,4 +47,5 @@ private:
     std::map<QString, QAction*> m_items;
     std::map<QString, QMenu*> m_menus;
     QMenu* m_trayMenu;
+    bool m_paused = false;
 };

@@ -1,37 +1,38 @@
-#include "app/ApplicationCommands.h"
-#include "app/Kestrelview.h"
-#include "base/DialogPresenter.h"
-#include "capture/CameraLink.h"
-#include "capture/CaptureRunner.h"
-#include "capture/ProductCameraServices.h"
-#include "feedback/Speech.h"
-#include "platform/Clock.h"
-#include "platform/screen/ScreenGrabber.h"
-#include "schedule/wMain.h"
+#include "app/Autostart.h"
+#include "app/CommandLine.h"
+#include "app/Program.h"
+#include "platform/session/InstanceLock.h"
 
-// Every thread of the program is joined before main returns: the capture runs by the runner,
-// then the camera's streaming threads by the link's owner, then the speech thread.
+#include <QCoreApplication>
+
+#include <cstdio>
+
 int main(int argc, char** argv) {
-    DialogPresenter presenter; // outlives the capture runs that may still ask for a dialog
-    installMessagePresenter(&presenter);
-    Kestrelview app(argc, argv);
-    if (!app.Event_Open()) {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) {
+        arguments << QString::fromLocal8Bit(argv[i]);
+    }
+    const CommandLine line = parseCommandLine(arguments);
+    switch (line.action) {
+    case CommandLine::Action::Print:
+        std::fputs(qPrintable(line.text), stdout);
         return 0;
+    case CommandLine::Action::Error:
+        std::fprintf(stderr, "%s\n", qPrintable(line.text));
+        return 2;
+    case CommandLine::Action::Autostart: {
+        const QCoreApplication app(argc, argv);
+        return setAutostart(line.autostart) ? 0 : 1;
     }
-    ProgramSpeech speech;
-    CameraLinkOwner camera;
-    installProductCameraServices();
-    _ApplicationAddMenuHandlers();
-    const auto grabber = makeScreenGrabber();
-    CaptureRunner runner(*grabber, systemClock());
-    int status = 0;
-    {
-        wMain window(runner);
-        connectMainWindow(window);
-        window.Event_Open();
-        status = Kestrelview::exec();
-        presenter.stopWaiting();
+    case CommandLine::Action::Run:
+        break;
     }
-    runner.waitForRuns(); // a run under way finishes its files before the program ends
-    return status;
+    const InstanceLock instance;
+    if (instance.heldElsewhere()) {
+        return handOff(argc, argv, line.command.value_or(SessionCommand::Show));
+    }
+    if (line.command == SessionCommand::Quit) {
+        return 0; // nothing runs that could be closed
+    }
+    return runProgram(argc, argv, line.command);
 }

@@ -14,6 +14,10 @@ inline QString pScreenSettingsFileName;
 inline QString pGeneralSettingsFileName;
 inline QString pDeveloperSettingsFileName;
 
+// The name that the desktop knows the program by: its launcher entry, its icon, its autostart
+// entry and its name on the session bus.
+inline const QString kDesktopId = QStringLiteral("com.kestrelview.Kestrelview");
+
 // The two web pages that the Help menu opens.
 inline const QString kSupportForumUrl = QStringLiteral("http://www.kestrelview.com/forum/");
 inline const QString kWebSiteUrl = QStringLiteral("http://www.kestrelview.com/");

@@ -16,7 +16,7 @@ QString cameraFileName(const QDateTime& closedAt) {
 void saveCameraFrame(const Picture& frame, const QDateTime& closedAt) {
     const QString name = cameraFileName(closedAt);
     const mGeneralSettings::Prefs prefs = mGeneralSettings::current();
-    const std::optional<QString> folder = GetFolderItem(prefs.pDestination);
+    const std::optional<QString> folder = GetFolderItem(prefs.pDestination, FolderPlace::Pictures);
     if (!folder) {
         return;
     }

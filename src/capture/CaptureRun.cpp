@@ -23,7 +23,7 @@ void takeScreen(const CaptureRunInput& input, int index, ScreenGrabber& grabber,
     }
     const QString name = captureFileName(captureStamp(clock.now()), QString::number(index));
     // Asked anew for each screen, so a folder that went away during the run comes back.
-    const std::optional<QString> folder = GetFolderItem(input.prefs.pDestination);
+    const std::optional<QString> folder = GetFolderItem(input.prefs.pDestination, FolderPlace::Pictures);
     if (!folder) {
         return;
     }

@@ -3,12 +3,41 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QStandardPaths>
 
 #include <mutex>
 
 namespace {
 std::mutex g_mutex;
 QString g_applicationFolder;
+// Decided once per folder, so that the files do not move about while the program runs.
+std::optional<bool> g_applicationFolderWritable;
+
+// The user's own place for this program's files of one kind, made on first use.
+QString userFolder(QStandardPaths::StandardLocation location) {
+    const QString folder = QStandardPaths::writableLocation(location) + QStringLiteral("/Kestrelview");
+    QDir().mkpath(folder);
+    return folder;
+}
+
+// Only a folder that is there and refuses writing sends the files to the user's folders; a
+// folder that is not there at all fails as it always did.
+bool applicationFolderWritable() {
+    const QFileInfo folder(platform::applicationFolder());
+    std::lock_guard lock(g_mutex);
+    if (!g_applicationFolderWritable) {
+        g_applicationFolderWritable = !folder.exists() || folder.isWritable();
+    }
+    return *g_applicationFolderWritable;
+}
+
+QString baseFolder(FolderPlace place) {
+    if (applicationFolderWritable()) {
+        return platform::applicationFolder();
+    }
+    return userFolder(place == FolderPlace::Settings ? QStandardPaths::GenericConfigLocation
+                                                     : QStandardPaths::PicturesLocation);
+}
 } // namespace
 
 namespace platform {
@@ -23,6 +52,7 @@ QString applicationFolder() {
 void setApplicationFolder(const QString& folder) {
     std::lock_guard lock(g_mutex);
     g_applicationFolder = folder;
+    g_applicationFolderWritable.reset();
 }
 
 QString resourcesFolder() {
@@ -30,11 +60,12 @@ QString resourcesFolder() {
 }
 } // namespace platform
 
-std::optional<QString> GetFolderItem(const QString& path) {
+std::optional<QString> GetFolderItem(const QString& path, FolderPlace place) {
     if (path.isEmpty()) {
         return std::nullopt;
     }
-    const QString absolute = QDir::cleanPath(QDir(platform::applicationFolder()).absoluteFilePath(path));
+    const QString absolute =
+        QDir::isAbsolutePath(path) ? QDir::cleanPath(path) : QDir::cleanPath(baseFolder(place) + '/' + path);
     if (!QFileInfo(absolute).dir().exists()) {
         return std::nullopt;
     }

@@ -5,7 +5,7 @@
 #include <optional>
 
 namespace platform {
-// The folder that holds the executable; settings files and bare destination names live here.
+// The folder that holds the executable.
 QString applicationFolder();
 // Tests point the program at a folder of their own.
 void setApplicationFolder(const QString& folder);
@@ -13,7 +13,12 @@ void setApplicationFolder(const QString& folder);
 QString resourcesFolder();
 } // namespace platform
 
-// The absolute path for a path or a bare name, a bare name meaning a place beside the executable.
+// What a bare name stands for. In an application folder that can be written, both mean a place
+// beside the executable; an installed copy keeps its settings in the user's configuration folder
+// and its pictures in the user's pictures folder instead.
+enum class FolderPlace { Settings, Pictures };
+
+// The absolute path for a path or a bare name, a bare name meaning a place in `place`.
 // Empty when the path cannot denote a file here: an empty text, or a parent folder that is not
 // there (only the last part of a path is ever created).
-std::optional<QString> GetFolderItem(const QString& path);
+std::optional<QString> GetFolderItem(const QString& path, FolderPlace place);

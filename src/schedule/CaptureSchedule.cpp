@@ -11,6 +11,7 @@ namespace {
 constexpr std::int64_t kCountDownPeriodMs = 1000;
 // The last count the label shows; the warning comes with it, three seconds ahead.
 constexpr std::int64_t kWarningCount = 4;
+const QString kPausedText = QStringLiteral("Paused");
 
 std::int64_t intervalMs(std::int32_t intervalSec) {
     return std::int64_t{intervalSec} * 1000;
@@ -41,17 +42,11 @@ void CaptureSchedule::SetupSnapShotTimer() {
 }
 
 void CaptureSchedule::CountDownAction() {
-    if (m_timSnapShot.enabled() && !m_app.pSpecialWindowOpen) {
+    if (m_timSnapShot.enabled() && !waiting()) {
         const mGeneralSettings::Prefs prefs = mGeneralSettings::current();
         --m_timCountDownLoop;
-        const std::int64_t remaining = std::int64_t{prefs.pInterval} + m_timCountDownLoop;
-        if (remaining > 3) {
-            m_host.setCountDownVisible(isFlagSet(prefs.pShowCountdown));
-            m_host.setCountDownText(QString::number(remaining));
-        } else {
-            m_host.setCountDownVisible(false);
-        }
-        if (remaining == kWarningCount && isFlagSet(prefs.pThreeSecondWarning)) {
+        showRemaining(prefs);
+        if (remainingSec(prefs) == kWarningCount && isFlagSet(prefs.pThreeSecondWarning)) {
             m_host.speak("In Three Seconds");
         }
         m_host.refresh();
@@ -62,7 +57,7 @@ void CaptureSchedule::CountDownAction() {
 }
 
 void CaptureSchedule::SnapShotAction() {
-    if (m_app.pSpecialWindowOpen) {
+    if (waiting()) {
         return;
     }
     try {
@@ -90,4 +85,34 @@ void CaptureSchedule::ResetCountsAfterPrefs() {
     const std::int32_t interval = mGeneralSettings::current().pInterval;
     m_timSnapShot.setPeriodMs(intervalMs(interval));
     m_host.setCountDownText(QString::number(interval));
+}
+
+void CaptureSchedule::setPaused(bool paused) {
+    m_paused = paused;
+    if (paused) {
+        m_host.setCountDownVisible(true);
+        m_host.setCountDownText(kPausedText);
+    } else {
+        showRemaining(mGeneralSettings::current());
+    }
+    m_host.refresh();
+}
+
+bool CaptureSchedule::waiting() const {
+    return m_paused || m_app.pSpecialWindowOpen;
+}
+
+std::int64_t CaptureSchedule::remainingSec(const mGeneralSettings::Prefs& prefs) const {
+    return std::int64_t{prefs.pInterval} + m_timCountDownLoop;
+}
+
+// The label shows the seconds left down to 4 and goes away for the last three.
+void CaptureSchedule::showRemaining(const mGeneralSettings::Prefs& prefs) {
+    const std::int64_t remaining = remainingSec(prefs);
+    if (remaining > 3) {
+        m_host.setCountDownVisible(isFlagSet(prefs.pShowCountdown));
+        m_host.setCountDownText(QString::number(remaining));
+    } else {
+        m_host.setCountDownVisible(false);
+    }
 }

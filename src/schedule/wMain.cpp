@@ -122,6 +122,17 @@ void wMain::installMenuBar(QMenuBar* bar) {
     setFixedSize(minimumFrameSize());
 }
 
+void wMain::captureNow() {
+    if (!m_closing) {
+        timSnapShot_Action();
+    }
+}
+
+void wMain::setPaused(bool paused) {
+    runGuarded([&] { m_schedule.setPaused(paused); });
+    emit pausedChanged(paused);
+}
+
 // The window goes once its effect has played, or at once where the effect is refused; the
 // schedule rests meanwhile, so that no capture starts while the program ends.
 void wMain::closeEvent(QCloseEvent* event) {

@@ -31,11 +31,18 @@ public:
     wGeneralSettings* showSettingsWindow();
     // The menu bar sits inside the window, above the logo's area.
     void installMenuBar(QMenuBar* bar);
+    // One capture run now, under the rules of an expiry of the interval timer.
+    void captureNow();
+    void setPaused(bool paused);
+    bool paused() const { return m_schedule.paused(); }
 
     QLabel* sttCountDown() const { return m_sttCountDown; }
     const MenuHandlers& menuHandlers() const override { return m_menuHandlers; }
     // Where the program binds the commands that open its own windows.
     MenuHandlers& menuHandlers() { return m_menuHandlers; }
+
+signals:
+    void pausedChanged(bool paused);
 
 protected:
     void closeEvent(QCloseEvent* event) override;

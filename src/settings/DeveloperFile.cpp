@@ -10,7 +10,7 @@ namespace mCodeBaseStd {
 void sLoadDeveloperFile() {
     mProgramInfo::pDeveloperFileStatus = false;
     mProgramInfo::pDevFTPUploadStatus = QStringLiteral("FALSE");
-    const auto path = GetFolderItem(mProgramInfo::pDeveloperSettingsFileName);
+    const auto path = GetFolderItem(mProgramInfo::pDeveloperSettingsFileName, FolderPlace::Settings);
     if (!path || !QFileInfo::exists(*path)) {
         return;
     }

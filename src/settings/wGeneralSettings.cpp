@@ -219,8 +219,8 @@ void wGeneralSettings::btnCancel_Action() {
 void wGeneralSettings::btnChoose1_Action() {
     runGuarded([this] {
         // The dialog opens on the destination, or where it would be made while it does not exist yet.
-        const QFileInfo destination(
-            GetFolderItem(m_edtDestination->toPlainText()).value_or(platform::applicationFolder()));
+        const QFileInfo destination(GetFolderItem(m_edtDestination->toPlainText(), FolderPlace::Pictures)
+                                        .value_or(platform::applicationFolder()));
         const QString start = destination.isDir() ? destination.filePath() : destination.path();
         const QString folder = QFileDialog::getExistingDirectory(this, QString(), start);
         if (!folder.isEmpty()) {

@@ -1,99 +1,21 @@
 // Starts the real program from a copy of its application folder, as a user would.
+#include "app/RealProgram.h"
 #include "support/DefaultPreferences.h"
-#include "support/XWindows.h"
 
 #include <QDir>
-#include <QDirIterator>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QGuiApplication>
 #include <QImage>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QScreen>
-#include <QTemporaryDir>
-#include <QThread>
 
 #include <gtest/gtest.h>
-
-#include <functional>
 
 namespace {
 const QString kDefaultPreferences = QString::fromUtf8(kDefaultPreferencesFile);
 
-bool copyFolder(const QString& from, const QString& to) {
-    QDir().mkpath(to);
-    QDirIterator it(from, QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString source = it.next();
-        const QString target = to + '/' + QDir(from).relativeFilePath(source);
-        const bool ok = it.fileInfo().isDir() ? QDir().mkpath(target) : QFile::copy(source, target);
-        if (!ok) {
-            return false;
-        }
-    }
-    return true;
-}
-
-QString readAll(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
-void writeText(const QString& path, const QString& text) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(text.toUtf8());
-}
-
-bool waitFor(const std::function<bool()>& condition, int timeoutMs) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition()) {
-        if (clock.elapsed() > timeoutMs) {
-            return false;
-        }
-        QThread::msleep(50);
-    }
-    return true;
-}
-
-class EndToEnd : public ::testing::Test {
+class EndToEnd : public RealProgramTest {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(m_temp.isValid());
-        m_appFolder = m_temp.path() + "/Copied Kestrelview";
-        ASSERT_TRUE(copyFolder(KV_APP_DIR, m_appFolder));
-        m_bin = m_appFolder + "/bin";
-    }
-
-    void TearDown() override {
-        if (m_process.state() != QProcess::NotRunning) {
-            m_process.kill();
-            m_process.waitForFinished();
-        }
-    }
-
-    void start() {
-        m_process.setProcessChannelMode(QProcess::ForwardedChannels);
-        m_process.start(m_bin + "/kestrelview", {});
-        ASSERT_TRUE(m_process.waitForStarted());
-    }
-
-    std::optional<xtest::Window> mainWindow() {
-        std::optional<xtest::Window> window;
-        waitFor([&] { return (window = m_x.findWindow("Kestrelview")).has_value(); }, 15000);
-        return window;
-    }
-
-    // As a window manager does when the user clicks the close box.
-    void closeAndWait(const xtest::Window& window) {
-        m_x.requestClose(window);
-        ASSERT_TRUE(m_process.waitForFinished(15000));
-        EXPECT_EQ(m_process.exitStatus(), QProcess::NormalExit);
-        EXPECT_EQ(m_process.exitCode(), 0);
-    }
-
     // The window's inside is the menu bar over the logo's area.
     void expectLogoAreaAt(const xtest::Window& window, const QRect& logoArea) {
         const QRect inside = m_x.frame(window);
@@ -103,15 +25,7 @@ protected:
         EXPECT_LT(inside.height(), logoArea.height() + 60);
     }
 
-    QStringList pictures() const {
-        return QDir(m_bin + "/Screen Images").entryList({"*.jpg"}, QDir::Files, QDir::Name);
-    }
-
-    QTemporaryDir m_temp;
-    QString m_appFolder;
-    QString m_bin;
-    QProcess m_process;
-    xtest::Display m_x;
+    QStringList pictures() const { return RealProgramTest::pictures(m_bin + "/Screen Images"); }
 };
 
 TEST_F(EndToEnd, FirstStartWritesDefaultsAndRemembersTheWindow) {

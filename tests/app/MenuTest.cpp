@@ -12,6 +12,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QMenu>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -176,6 +177,40 @@ TEST_F(MenuTest, QuitEndsThroughTheMainWindowCloseWhichKeepsItsPlace) {
     EXPECT_EQ(QRect(stored.pWinLeft, stored.pWinTop, stored.pWinWidth, stored.pWinHeight),
               QRect(frame.topLeft(), QSize(frame.width(), logoHeight)))
         << "the logo's area is kept, the menu bar left out";
+}
+
+TEST_F(MenuTest, TheTrayPausesResumesCapturesNowAndStartsAtLogin) {
+    QTemporaryDir config;
+    qputenv("XDG_CONFIG_HOME", config.path().toUtf8());
+    QMenu* tray = bar()->trayMenu();
+    ASSERT_TRUE(tray->actions().contains(item("TrayCaptureNow")));
+    QLabel* countDown = m_main->sttCountDown();
+    const QString count = countDown->text();
+
+    item("TrayPause")->trigger();
+    EXPECT_TRUE(m_main->paused());
+    EXPECT_EQ(countDown->text(), "Paused");
+    EXPECT_EQ(item("TrayPause")->text(), "Resume");
+    item("TrayCaptureNow")->trigger();
+    m_runner->waitForRuns();
+    EXPECT_TRUE(QDir(binPath("Screen Images")).isEmpty()) << "no capture while paused";
+    item("TrayPause")->trigger();
+    EXPECT_FALSE(m_main->paused());
+    EXPECT_EQ(item("TrayPause")->text(), "Pause");
+    EXPECT_EQ(countDown->text(), count) << "the count goes on from where it stood";
+
+    item("TrayCaptureNow")->trigger();
+    m_runner->waitForRuns();
+    EXPECT_FALSE(QDir(binPath("Screen Images")).isEmpty());
+
+    const QString entry = config.path() + "/autostart/com.kestrelview.Kestrelview.desktop";
+    item("TrayStartAtLogin")->trigger();
+    EXPECT_TRUE(QFile::exists(entry));
+    tray->popup(QPoint(0, 0));
+    EXPECT_TRUE(item("TrayStartAtLogin")->isChecked());
+    tray->hide();
+    item("TrayStartAtLogin")->trigger();
+    EXPECT_FALSE(QFile::exists(entry));
 }
 
 TEST_F(MenuTest, QuitFromTheTrayWithTheMainWindowHidden) {

@@ -208,6 +208,32 @@ TEST_F(CaptureScheduleTest, BusyFlagFreezesTheCountdownAndLosesExpiries) {
     EXPECT_EQ(host.text, "49") << "the count goes on from where it stood";
 }
 
+TEST_F(CaptureScheduleTest, PauseFreezesTheCountdownUnderItsOwnWordUntilResumed) {
+    setPrefs([](mGeneralSettings::Prefs& prefs) {
+        prefs.pInterval = 60;
+        prefs.pShowCountdown = "FALSE";
+    });
+    arm();
+    tick(10);
+
+    schedule.setPaused(true);
+    EXPECT_EQ(host.text, "Paused");
+    EXPECT_TRUE(host.visible) << "the label says so even where the countdown is hidden";
+    tick(5);
+    schedule.SnapShotAction();
+    EXPECT_EQ(host.text, "Paused");
+    EXPECT_EQ(host.captures, 0);
+    EXPECT_TRUE(snapShot.on) << "the interval timer keeps its rhythm";
+
+    schedule.setPaused(false);
+    EXPECT_EQ(host.text, "50");
+    EXPECT_FALSE(host.visible);
+    tick();
+    EXPECT_EQ(host.text, "49") << "the count goes on from where it stood";
+    schedule.SnapShotAction();
+    EXPECT_EQ(host.captures, 1);
+}
+
 TEST_F(CaptureScheduleTest, ExpiryMarksStartsTheRunAndRestartsTheCountdown) {
     setInterval(12);
     arm();

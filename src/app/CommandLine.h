@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/session/SessionChannel.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+// What the command line asks for.
+struct CommandLine {
+    enum class Action {
+        Run,       // start, or hand `command` to the instance that runs
+        Print,     // print `text` (help, version) and end
+        Error,     // print `text` to the error output and end with a failure
+        Autostart, // write or remove the autostart entry and end
+    };
+    Action action = Action::Run;
+    // For the running instance; a plain start asks it to show itself.
+    std::optional<SessionCommand> command;
+    bool autostart = false;
+    QString text;
+};
+
+// `arguments` starts with the program's own name.
+CommandLine parseCommandLine(const QStringList& arguments);

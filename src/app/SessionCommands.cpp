@@ -1,0 +1,26 @@
+#include "app/SessionCommands.h"
+
+#include "app/ApplicationCommands.h"
+#include "schedule/wMain.h"
+
+void carryOut(wMain& window, SessionCommand command) {
+    switch (command) {
+    case SessionCommand::Show:
+        _ToolsShowMainWindow_Action();
+        return;
+    case SessionCommand::Hide:
+        _ToolsHideMainWindow_Action();
+        return;
+    case SessionCommand::CaptureNow:
+        window.captureNow();
+        return;
+    case SessionCommand::Pause:
+    case SessionCommand::Resume:
+        window.setPaused(command == SessionCommand::Pause);
+        return;
+    case SessionCommand::Quit:
+        // The same road as the close box, whatever the close does on its way.
+        window.close();
+        return;
+    }
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+// What a later start of the program can ask of the running one.
+enum class SessionCommand { Show, Hide, CaptureNow, Pause, Resume, Quit };
+
+// The channel between the running instance and a later start in the same user session.
+class SessionChannel {
+public:
+    using Handler = std::function<void(SessionCommand)>;
+
+    virtual ~SessionChannel() = default;
+    // False where there is no session to reach anybody through.
+    virtual bool available() const = 0;
+    // Offers the running instance's commands to later starts; `handler` is called on the GUI
+    // thread. False when that is not possible.
+    virtual bool publish(Handler handler) = 0;
+    // Hands `command` to the running instance. False when nobody took it.
+    virtual bool send(SessionCommand command) = 0;
+};
+
+// The session bus where one is reachable, otherwise the null channel.
+std::unique_ptr<SessionChannel> makeSessionChannel();
