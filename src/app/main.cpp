@@ -4,12 +4,14 @@
 #include "capture/CaptureRunner.h"
 #include "capture/ProductCameraServices.h"
 #include "platform/Clock.h"
+#include "platform/WaylandSession.h"
 #include "platform/screen/ScreenGrabber.h"
 #include "schedule/wMain.h"
 
 int main(int argc, char** argv) {
     DialogPresenter presenter; // outlives the capture runs that may still ask for a dialog
     installMessagePresenter(&presenter);
+    platform::preferNativeWindows();
     Kestrelview app(argc, argv);
     if (!app.Event_Open()) {
         return 0;
