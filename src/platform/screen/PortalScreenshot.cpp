@@ -7,9 +7,14 @@
 #include <QFile>
 #include <QUrl>
 
+#include <atomic>
+
 namespace {
 const QString kService = QStringLiteral("org.freedesktop.portal.Desktop");
 const QString kRequestInterface = QStringLiteral("org.freedesktop.portal.Request");
+// Request paths are per bus connection, and the process shares one: every request gets a number
+// of its own across all askers, so that none hears another's answer.
+std::atomic<quint64> g_requests{0};
 // Long enough for a desktop that asks the user once before the first shot.
 constexpr int kPatienceMs = 120'000;
 
@@ -45,7 +50,8 @@ void PortalScreenshot::request(PortalAnswer answer) {
 }
 
 void PortalScreenshot::sendNext() {
-    const QString token = QStringLiteral("kestrelview%1").arg(++m_requests);
+    m_request = ++g_requests;
+    const QString token = QStringLiteral("kestrelview%1").arg(m_request);
     // Listen before asking, on the path the portal will give the request, so that no early
     // Response is missed.
     const QString sender = m_bus.baseService().mid(1).replace('.', '_');
@@ -57,13 +63,13 @@ void PortalScreenshot::sendNext() {
          << QVariantMap{{QStringLiteral("handle_token"), token}, {QStringLiteral("interactive"), false}};
     auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, number = m_requests](QDBusPendingCallWatcher* done) { onCalled(done, number); });
+            [this, number = m_request](QDBusPendingCallWatcher* done) { onCalled(done, number); });
     m_patience.start();
 }
 
 void PortalScreenshot::onCalled(QDBusPendingCallWatcher* call, quint64 number) {
     call->deleteLater();
-    if (number != m_requests || m_queue.empty()) {
+    if (number != m_request || m_queue.empty()) {
         return; // the reply of a request that was given up
     }
     const QDBusPendingReply<QDBusObjectPath> reply = *call;

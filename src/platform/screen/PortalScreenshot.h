@@ -43,6 +43,6 @@ private:
     QDBusConnection m_bus;
     std::deque<PortalAnswer> m_queue; // the front one is under way while m_handle is set
     QString m_handle;
-    quint64 m_requests = 0;
+    quint64 m_request = 0;   // the number of the request under way or last made
     QTimer m_patience{this}; // a child, so that it moves to this object's thread with it
 };
