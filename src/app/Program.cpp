@@ -9,6 +9,7 @@
 #include "capture/ProductCameraServices.h"
 #include "feedback/Speech.h"
 #include "platform/Clock.h"
+#include "platform/WaylandSession.h"
 #include "platform/screen/ScreenGrabber.h"
 #include "schedule/wMain.h"
 
@@ -21,6 +22,7 @@
 int runProgram(int& argc, char** argv, std::optional<SessionCommand> command) {
     DialogPresenter presenter; // outlives the capture runs that may still ask for a dialog
     installMessagePresenter(&presenter);
+    platform::preferNativeWindows();
     Kestrelview app(argc, argv);
     // Published as early as can be, so that a later start finds somebody to answer; what it asks
     // is carried out once the event loop runs, and the main window is there by then.

@@ -14,10 +14,10 @@
 #include <QDir>
 
 namespace {
-void takeScreen(const CaptureRunInput& input, int index, ScreenGrabber& grabber, const Clock& clock) {
+void takeScreen(const CaptureRunInput& input, int index, ScreenRun& screens, const Clock& clock) {
     // Only this screen's pixels are held; they go at the end of the pass.
     const std::optional<Picture> picture =
-        index < input.screens.size() ? grabber.grab(input.screens.at(index)) : std::nullopt;
+        index < input.screens.size() ? screens.grab(input.screens.at(index)) : std::nullopt;
     if (!picture || picture->isNull()) {
         throw NilObjectException("screen " + std::to_string(index) + " could not be grabbed");
     }
@@ -30,6 +30,25 @@ void takeScreen(const CaptureRunInput& input, int index, ScreenGrabber& grabber,
     QDir().mkdir(*folder);
     // A failed write leaves nothing behind and is not reported; the run goes on.
     writeProgressiveJpeg(*picture, input.prefs.pQuality, QDir(*folder).filePath(name));
+}
+
+void takeScreens(const CaptureRunInput& input, ScreenGrabber& grabber, const Clock& clock) {
+    const int count = isFlagSet(input.prefs.pPrimaryOnly) ? 1 : int(input.screens.size());
+    if (count == 0) {
+        return;
+    }
+    const ScreenRunStart start = grabber.beginRun(input.screens);
+    if (!start.run) {
+        // A desktop that said no says it at every run until someone changes its mind: only the
+        // first refusal in a row is a screen that could not be grabbed, the others pass in silence.
+        if (start.refusalIsNew) {
+            throw NilObjectException("the desktop refused to show its screens");
+        }
+        return;
+    }
+    for (int index = 0; index < count; ++index) {
+        takeScreen(input, index, *start.run, clock);
+    }
 }
 
 void takeCameraPhoto() {
@@ -47,10 +66,7 @@ void takeCameraPhoto() {
 namespace mCodeBaseStd {
 void sTakePictures(const CaptureRunInput& input, ScreenGrabber& grabber, const Clock& clock) {
     if (isFlagSet(input.prefs.pUseScreen)) {
-        const int count = isFlagSet(input.prefs.pPrimaryOnly) ? 1 : int(input.screens.size());
-        for (int index = 0; index < count; ++index) {
-            takeScreen(input, index, grabber, clock);
-        }
+        takeScreens(input, grabber, clock);
     }
     if (isFlagSet(input.prefs.pUseCamera)) {
         takeCameraPhoto();

@@ -17,6 +17,7 @@ struct CaptureRunInput {
 namespace mCodeBaseStd {
 // One whole capture run: a progressive JPEG per wanted screen into the destination folder, then
 // the camera stage. Runs on a capture thread. Throws NilObjectException when a screen cannot be
-// grabbed; the files of earlier screens stay.
+// grabbed, the files of earlier screens staying, and when the desktop refuses the screens after it
+// had not; a refusal repeated skips the screens in silence.
 void sTakePictures(const CaptureRunInput& input, ScreenGrabber& grabber, const Clock& clock);
 } // namespace mCodeBaseStd

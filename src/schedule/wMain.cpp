@@ -9,6 +9,7 @@
 #include "feedback/DockIcon.h"
 #include "feedback/Speech.h"
 #include "feedback/WindowTransition.h"
+#include "platform/WaylandSession.h"
 #include "platform/screen/ScreenList.h"
 #include "schedule/WindowSettings.h"
 #include "settings/TagFile.h"
@@ -152,7 +153,11 @@ void wMain::closeEvent(QCloseEvent* event) {
 void wMain::finishClosing() {
     runGuarded([this] {
         const QRect frame = geometry();
-        mScreenSettings::SavePrefs({frame.height() - menuBarHeight(), frame.width(), frame.x(), frame.y()});
+        // Where the compositor keeps the window's place to itself, the stored place stays.
+        const mScreenSettings::Geometry stored = mScreenSettings::current();
+        const bool known = platform::windowPlacesAreKnown();
+        mScreenSettings::SavePrefs({frame.height() - menuBarHeight(), frame.width(),
+                                    known ? frame.x() : stored.pWinLeft, known ? frame.y() : stored.pWinTop});
     });
     m_closed = true;
     close();

@@ -15,14 +15,14 @@
 using namespace std::chrono_literals;
 
 namespace {
-// The real grabber behind a gate: grabs wait until the test opens it, and the test can see how
-// many are waiting at once.
+// The real grabber behind a gate: runs wait to begin until the test opens it, and the test can see
+// how many are waiting at once.
 class GatedGrabber final : public ScreenGrabber {
 public:
     explicit GatedGrabber(ScreenGrabber& inner)
         : m_inner(inner) {}
 
-    std::optional<Picture> grab(const QRect& area) override {
+    ScreenRunStart beginRun(const QList<QRect>& screens) override {
         {
             std::unique_lock lock(m_mutex);
             ++m_waiting;
@@ -30,7 +30,7 @@ public:
             m_changed.wait(lock, [&] { return m_open; });
             --m_waiting;
         }
-        return m_inner.grab(area);
+        return m_inner.beginRun(screens);
     }
 
     bool waitUntilWaiting(int count) {
@@ -59,7 +59,7 @@ TEST_F(CaptureRunnerTest, RunReturnsAtOnceAndASecondRunWorksBesideTheFirst) {
     CaptureRunner runner(gated, m_clock);
     runner.Run(screensInto(destination(), m_screens));
     runner.Run(screensInto(destination(), m_screens));
-    // Both runs stand in a grab while this thread is free: neither Run waited for its capture.
+    // Both runs wait to grab while this thread is free: neither Run waited for its capture.
     ASSERT_TRUE(gated.waitUntilWaiting(2));
     EXPECT_TRUE(filesIn(destination()).isEmpty());
     gated.open();

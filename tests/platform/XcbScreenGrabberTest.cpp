@@ -125,7 +125,9 @@ TEST(ScreenList, MonitorsComeAsQtReportsThemPrimaryFirst) {
 TEST(ScreenGrabberLoader, PicksTheXServerOnX11) {
     ASSERT_EQ(QGuiApplication::platformName(), "xcb");
     const std::unique_ptr<ScreenGrabber> grabber = makeScreenGrabber();
-    const std::optional<Picture> picture = grabber->grab(QRect(0, 0, 32, 16));
+    const ScreenRunStart start = grabber->beginRun({QRect(0, 0, 32, 16)});
+    ASSERT_TRUE(start.run);
+    const std::optional<Picture> picture = start.run->grab(QRect(0, 0, 32, 16));
     ASSERT_TRUE(picture);
     EXPECT_EQ(picture->width, 32);
     EXPECT_EQ(picture->height, 16);

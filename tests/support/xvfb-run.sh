@@ -38,5 +38,8 @@ for monitor in "${monitors[@]}"; do
     output=none
 done
 
+# a developer's own Wayland session must not steer the program away from this display
+unset WAYLAND_DISPLAY
+export XDG_SESSION_TYPE=x11
 export XDG_RUNTIME_DIR=${XDG_RUNTIME_DIR:-$(mktemp -d)}
 "$@"

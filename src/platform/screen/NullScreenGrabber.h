@@ -5,5 +5,8 @@
 // Where the display cannot be read: every grab comes back empty.
 class NullScreenGrabber final : public ScreenGrabber {
 public:
-    std::optional<Picture> grab(const QRect&) override { return std::nullopt; }
+    ScreenRunStart beginRun(const QList<QRect>&) override {
+        return {std::make_unique<LiveScreenRun>([](const QRect&) { return std::optional<Picture>(); }),
+                false};
+    }
 };

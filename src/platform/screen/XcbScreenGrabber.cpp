@@ -195,6 +195,10 @@ bool XcbScreenGrabber::usesSharedMemory() const {
     return m_server->sharedMemory.load();
 }
 
+ScreenRunStart XcbScreenGrabber::beginRun(const QList<QRect>&) {
+    return {std::make_unique<LiveScreenRun>([this](const QRect& area) { return grab(area); }), false};
+}
+
 std::optional<Picture> XcbScreenGrabber::grab(const QRect& area) {
     if (!validArea(area) || xcb_connection_has_error(m_server->connection.get())) {
         return std::nullopt;

@@ -18,7 +18,10 @@ public:
     static std::unique_ptr<XcbScreenGrabber> connect(Transport transport = Transport::SharedMemoryFirst);
     ~XcbScreenGrabber() override;
 
-    std::optional<Picture> grab(const QRect& area) override;
+    // Every screen of the run is read from the server when it is asked for.
+    ScreenRunStart beginRun(const QList<QRect>& screens) override;
+    // The pixels of one area, in root-window coordinates. Safe to call from any thread.
+    std::optional<Picture> grab(const QRect& area);
     // False once the server has refused a segment, or when it never offered MIT-SHM.
     bool usesSharedMemory() const;
 
