@@ -1,4 +1,5 @@
 #include "platform/jpeg/JpegFile.h"
+#include "platform/jpeg/JpegReader.h"
 #include "support/JpegInspection.h"
 #include "support/RootPainter.h"
 
@@ -179,5 +180,41 @@ TEST_F(JpegFileTest, AFullDiskKeepsTheOldFileAndLeavesNoPart) {
     EXPECT_FALSE(writeProgressiveJpeg(pictureOf(noisePattern(QSize(1600, 1200))), 100, target));
     EXPECT_EQ(readAll(target), before);
     EXPECT_EQ(allEntries(mountPoint), QStringList{"full.jpg"});
+}
+
+// Baseline and progressive files read back at the smallest scale that covers the size asked for.
+TEST_F(JpegFileTest, ReadsAtTheSmallestScaleThatCoversTheSizeAskedFor) {
+    const Picture picture = pictureOf(quadrants(QSize(1920, 1080)));
+    ASSERT_TRUE(writeProgressiveJpeg(picture, 90, path("progressive.jpg")));
+    ASSERT_TRUE(writeBaselineJpeg(picture, 90, path("baseline.jpg")));
+    ASSERT_EQ(inspectJpeg(path("baseline.jpg"))->frameMarker, 0xC0);
+    struct Case {
+        const char* file;
+        QSize covering; // empty: full size
+        QSize decoded;
+    };
+    const Case cases[] = {
+        {"progressive.jpg", {800, 450}, {960, 540}},  {"baseline.jpg", {800, 450}, {960, 540}},
+        {"baseline.jpg", {961, 100}, {1200, 675}},    {"baseline.jpg", {100, 100}, {240, 135}},
+        {"baseline.jpg", {3840, 2160}, {1920, 1080}}, {"baseline.jpg", {}, {1920, 1080}},
+    };
+    for (const Case& c : cases) {
+        const std::optional<JpegPicture> read = readJpeg(path(c.file), [&](QSize full) {
+            EXPECT_EQ(full, QSize(1920, 1080));
+            return c.covering;
+        });
+        ASSERT_TRUE(read) << c.file;
+        const Picture& pixels = read->pixels;
+        EXPECT_EQ(QSize(pixels.width, pixels.height), c.decoded) << c.file << " " << c.covering.width();
+        EXPECT_EQ(read->fullSize, QSize(1920, 1080));
+        expectQuadrants(
+            QImage(pixels.bits, pixels.width, pixels.height, pixels.strideBytes, QImage::Format_RGB32));
+    }
+    QFile text(path("text.jpg"));
+    ASSERT_TRUE(text.open(QIODevice::WriteOnly));
+    text.write("not a picture");
+    text.close();
+    EXPECT_FALSE(readJpeg(path("text.jpg")));
+    EXPECT_FALSE(readJpeg(path("missing.jpg")));
 }
 } // namespace
