@@ -23,6 +23,25 @@ const QString kPatience = QStringLiteral("Please Be Patient ...");
 void moveFileTo(const QString& file, const QString& folder) {
     QFile::rename(file, QDir(folder).filePath(QFileInfo(file).fileName()));
 }
+
+// The copy is a new file, with the permissions of one rather than the temporary file's private
+// ones; a copy cut short is not left behind.
+void copyFileTo(const QString& from, const QString& to) {
+    QFile in(from);
+    QFile out(to);
+    if (!in.open(QIODevice::ReadOnly) || !out.open(QIODevice::WriteOnly)) {
+        return;
+    }
+    constexpr qint64 kChunkBytes = 1 << 20;
+    bool written = true;
+    while (written && !in.atEnd()) {
+        const QByteArray chunk = in.read(kChunkBytes);
+        written = !chunk.isEmpty() && out.write(chunk) == chunk.size();
+    }
+    if (!written || !out.flush()) {
+        out.remove();
+    }
+}
 } // namespace
 
 MovieAssembly::MovieAssembly(MovieWriter& writer, const Clock& clock, QObject* parent)
@@ -92,5 +111,5 @@ void MovieAssembly::makeMovie(const std::vector<QString>& files, const QString& 
     if (QFileInfo::exists(target)) {
         QFile::remove(target);
     }
-    QFile::copy(flattened, target);
+    copyFileTo(flattened, target);
 }
