@@ -6,6 +6,7 @@
 #include "platform/Clock.h"
 #include "platform/screen/ScreenGrabber.h"
 #include "schedule/wMain.h"
+#include "slideshow/wMovie.h"
 
 int main(int argc, char** argv) {
     DialogPresenter presenter; // outlives the capture runs that may still ask for a dialog
@@ -25,6 +26,7 @@ int main(int argc, char** argv) {
         window.Event_Open();
         status = Kestrelview::exec();
         presenter.stopWaiting();
+        waitForMovieAssembly();
     }
     runner.waitForRuns(); // a run under way finishes its files before the program ends
     return status;

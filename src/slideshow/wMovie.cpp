@@ -79,7 +79,7 @@ wMovie::wMovie()
     connect(m_assembly, &MovieAssembly::nextFile, this, &wMovie::Event_NextFile, Qt::QueuedConnection);
 }
 
-// The window goes only after the work has ended, so this waits for no work.
+// Waits only at quit: otherwise the window closes after the work has ended.
 wMovie::~wMovie() {
     if (m_worker.joinable()) {
         m_worker.join();
@@ -175,4 +175,10 @@ void wMovie::Event_Close() {
 void wMovie::afterCloseTransition() {
     m_transitionDone = true;
     QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+}
+
+void waitForMovieAssembly() {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        delete qobject_cast<wMovie*>(window);
+    }
 }

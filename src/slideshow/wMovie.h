@@ -52,3 +52,7 @@ private:
     bool m_leaving = false;
     bool m_transitionDone = false;
 };
+
+// At quit, once nobody waits for dialogs any more: lets an assembly under way finish its archive,
+// so that no batch is left half moved, and lets the window go.
+void waitForMovieAssembly();
