@@ -3,11 +3,11 @@
 #include "base/NilObjectException.h"
 #include "platform/jpeg/JpegFile.h"
 #include "platform/jpeg/JpegReader.h"
+#include "platform/movie/PictureScaling.h"
 #include "slideshow/Letterbox.h"
 #include "slideshow/TemporaryFiles.h"
 
 #include <QImage>
-#include <QPainter>
 
 namespace {
 // The quality that a JPEG gets where nobody chooses one.
@@ -29,11 +29,7 @@ std::optional<QString> sMakeCopy(const QString& f) {
     frame.fill(Qt::black);
     {
         const JpegPicture source = openAsPicture(f);
-        const Picture& pixels = source.pixels;
-        QPainter painter(&frame);
-        painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        painter.drawImage(fLetterboxRect(source.fullSize), QImage(pixels.bits, pixels.width, pixels.height,
-                                                                  pixels.strideBytes, QImage::Format_RGB32));
+        drawScaled(source.pixels, frame.bits(), int(frame.bytesPerLine()), fLetterboxRect(source.fullSize));
     }
     const std::optional<QString> copy = GetTemporaryFolderItem();
     if (!copy) {
