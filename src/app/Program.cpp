@@ -12,6 +12,7 @@
 #include "platform/WaylandSession.h"
 #include "platform/screen/ScreenGrabber.h"
 #include "schedule/wMain.h"
+#include "slideshow/wMovie.h"
 
 #include <QCoreApplication>
 
@@ -51,6 +52,7 @@ int runProgram(int& argc, char** argv, std::optional<SessionCommand> command) {
         }
         status = Kestrelview::exec();
         presenter.stopWaiting();
+        waitForMovieAssembly();
     }
     runner.waitForRuns(); // a run under way finishes its files before the program ends
     return status;

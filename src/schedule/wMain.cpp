@@ -16,6 +16,7 @@
 #include "settings/mGeneralSettings.h"
 #include "settings/mScreenSettings.h"
 #include "settings/wGeneralSettings.h"
+#include "slideshow/wMovie.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
@@ -167,7 +168,8 @@ void wMain::finishClosing() {
 void wMain::AddMenuHandlers() {
     m_menuHandlers.AddMenuHandler("QVTPreferences", [this] { return _QVTPreferences_Action(); });
     m_menuHandlers.AddMenuHandler("FileCheckForUpdates", [this] { return _FileCheckForUpdates_Action(); });
-    // ToolsCreateSlideshowMovie stays unbound, and so not live, until the movie window exists.
+    m_menuHandlers.AddMenuHandler("ToolsCreateSlideshowMovie",
+                                  [this] { return _ToolsCreateSlideshowMovie_Action(); });
     m_menuHandlers.AddMenuHandler("HelpSendFeedback", [this] { return _HelpSendFeedback_Action(); });
     m_menuHandlers.AddMenuHandler("HelpVisitourWebsite", [this] { return _HelpVisitourWebsite_Action(); });
 }
@@ -194,6 +196,12 @@ wGeneralSettings* wMain::showSettingsWindow() {
 
 bool wMain::_FileCheckForUpdates_Action() {
     CheckForUpdates(true);
+    return true;
+}
+
+// Without a transition: the movie window has only a closing one.
+bool wMain::_ToolsCreateSlideshowMovie_Action() {
+    bringToFront(wMovie::instance());
     return true;
 }
 

@@ -53,6 +53,7 @@ private:
     void AddMenuHandlers();
     bool _QVTPreferences_Action();
     bool _FileCheckForUpdates_Action();
+    bool _ToolsCreateSlideshowMovie_Action();
     bool _HelpSendFeedback_Action();
     bool _HelpVisitourWebsite_Action();
     QSize minimumFrameSize() const;

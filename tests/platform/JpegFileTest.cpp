@@ -1,7 +1,9 @@
 #include "platform/jpeg/JpegFile.h"
+#include "platform/jpeg/JpegReader.h"
 #include "support/JpegInspection.h"
 #include "support/RootPainter.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QPainter>
@@ -179,5 +181,25 @@ TEST_F(JpegFileTest, AFullDiskKeepsTheOldFileAndLeavesNoPart) {
     EXPECT_FALSE(writeProgressiveJpeg(pictureOf(noisePattern(QSize(1600, 1200))), 100, target));
     EXPECT_EQ(readAll(target), before);
     EXPECT_EQ(allEntries(mountPoint), QStringList{"full.jpg"});
+}
+
+// A capture file read back at the smallest scale that covers the size asked for (empty: none).
+TEST_F(JpegFileTest, ReadsAtTheSmallestScaleThatCoversTheSizeAskedFor) {
+    ASSERT_TRUE(writeProgressiveJpeg(pictureOf(quadrants(QSize(1920, 1080))), 90, path("p.jpg")));
+    const std::pair<QSize, QSize> cases[] = {{{800, 450}, {960, 540}},
+                                             {{961, 100}, {1200, 675}},
+                                             {{3840, 2160}, {1920, 1080}},
+                                             {{}, {1920, 1080}}};
+    for (const auto& [covering, decoded] : cases) {
+        const std::optional<JpegPicture> read = readJpeg(path("p.jpg"), [&](QSize) { return covering; });
+        ASSERT_TRUE(read);
+        const Picture& pixels = read->pixels;
+        EXPECT_EQ(QSize(pixels.width, pixels.height), decoded) << covering.width();
+        EXPECT_EQ(read->fullSize, QSize(1920, 1080));
+        expectQuadrants(
+            QImage(pixels.bits, pixels.width, pixels.height, pixels.strideBytes, QImage::Format_RGB32));
+    }
+    EXPECT_FALSE(readJpeg(path("missing.jpg")));
+    EXPECT_FALSE(readJpeg(QCoreApplication::applicationFilePath())); // not a JPEG
 }
 } // namespace

@@ -14,8 +14,7 @@
 #include <malloc.h>
 #include <unistd.h>
 
-// jpeglib.h needs FILE and size_t declared first.
-#include <jpeglib.h>
+#include "platform/jpeg/JpegErrors.h"
 
 namespace {
 // Progressive by spectral selection alone: the DC of all components first, so that a reader has
@@ -34,32 +33,18 @@ int bytesPerPixel(PixelLayout layout) {
     return layout == PixelLayout::Bgrx32 ? 4 : 3;
 }
 
-struct ErrorManager {
-    jpeg_error_mgr pub;
-    std::jmp_buf jump;
-};
-
-[[noreturn]] void jumpOut(j_common_ptr info) noexcept {
-    std::longjmp(reinterpret_cast<ErrorManager*>(info->err)->jump, 1);
-}
-
-// Warnings about odd input are of no use to anyone watching the capture.
-void keepQuiet(j_common_ptr, int) noexcept {}
-
 // Kept on the heap so that nothing the longjmp lands beside is a local changed after setjmp.
 struct Compressor {
     jpeg_compress_struct info{};
-    ErrorManager errors{};
+    JpegErrorManager errors{};
     // Safe also when creation never ran or failed half-way: info starts zeroed.
     ~Compressor() { jpeg_destroy_compress(&info); }
 };
 
-bool encode(const Picture& picture, int quality, FILE* out) {
+bool encode(const Picture& picture, int quality, bool progressive, FILE* out) {
     const auto compressor = std::make_unique<Compressor>();
     jpeg_compress_struct* info = &compressor->info;
-    info->err = jpeg_std_error(&compressor->errors.pub);
-    compressor->errors.pub.error_exit = jumpOut;
-    compressor->errors.pub.emit_message = keepQuiet;
+    info->err = jpegQuietErrors(compressor->errors);
     if (setjmp(compressor->errors.jump) != 0) {
         return false;
     }
@@ -72,8 +57,10 @@ bool encode(const Picture& picture, int quality, FILE* out) {
     info->input_components = bytesPerPixel(picture.layout);
     jpeg_set_defaults(info);
     jpeg_set_quality(info, std::clamp(quality, 1, 100), TRUE);
-    info->scan_info = kScanScript;
-    info->num_scans = static_cast<int>(std::size(kScanScript));
+    if (progressive) {
+        info->scan_info = kScanScript;
+        info->num_scans = static_cast<int>(std::size(kScanScript));
+    }
     jpeg_start_compress(info, TRUE);
     while (info->next_scanline < info->image_height) {
         // libjpeg never writes through its input rows.
@@ -143,17 +130,25 @@ private:
     std::unique_ptr<FILE, CloseFile> m_stream;
     bool m_renamed = false;
 };
-} // namespace
 
-bool writeProgressiveJpeg(const Picture& picture, int quality, const QString& path) {
+bool writeJpeg(const Picture& picture, int quality, bool progressive, const QString& path) {
     if (picture.isNull() || picture.strideBytes < picture.width * bytesPerPixel(picture.layout)) {
         return false;
     }
     const QByteArray finalPath = QFile::encodeName(path);
     const std::unique_ptr<PartFile> part = PartFile::createFor(finalPath);
-    const bool encoded = part && encode(picture, quality, part->stream());
+    const bool encoded = part && encode(picture, quality, progressive, part->stream());
     // The coefficient buffers of a progressive encode are tens of megabytes; malloc would keep
     // them for the next capture, minutes away.
     ::malloc_trim(0);
     return encoded && part->renameTo(finalPath);
+}
+} // namespace
+
+bool writeProgressiveJpeg(const Picture& picture, int quality, const QString& path) {
+    return writeJpeg(picture, quality, true, path);
+}
+
+bool writeBaselineJpeg(const Picture& picture, int quality, const QString& path) {
+    return writeJpeg(picture, quality, false, path);
 }

@@ -9,3 +9,5 @@
 // place when complete, replacing a file of the same name; on failure nothing is left behind and
 // the result is false.
 bool writeProgressiveJpeg(const Picture& picture, int quality, const QString& path);
+// The same for a baseline JPEG file, which decodes faster than a progressive one.
+bool writeBaselineJpeg(const Picture& picture, int quality, const QString& path);

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "base/DialogWindow.h"
+#include "base/SingleWindow.h"
+
+#include <memory>
+#include <thread>
+
+class MovieAssembly;
+class MovieWriter;
+class QListWidget;
+class QProgressBar;
+class QPushButton;
+
+// The window that lists the destination's pictures and makes a slideshow movie of them on a
+// worker thread, then closes itself. The capture schedule rests while it is open, and a close
+// asked for during the work waits for the work to end.
+class wMovie final : public DialogWindow {
+    Q_OBJECT
+
+public:
+    // The window, made and filled in if there is none.
+    static wMovie* instance();
+    ~wMovie() override;
+
+    // Also while the closing effect plays, so that the accessor makes a fresh window.
+    bool isClosed() const { return m_leaving || DialogWindow::isClosed(); }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    friend wMovie* singleWindow<wMovie>();
+    wMovie();
+    void Event_Open();
+    void Event_Close();
+    void afterCloseTransition();
+    void sPopulateList();
+    void sCreateMovie();
+    void pb1_Action();
+    void Event_NextFile(int current, int total);
+    void assemblyEnded(bool completed);
+
+    QProgressBar* m_barProgress1;
+    QListWidget* m_List;
+    QPushButton* m_pb1;
+    std::unique_ptr<MovieWriter> m_writer;
+    MovieAssembly* m_assembly;
+    std::thread m_worker;
+    bool m_working = false;
+    bool m_closeWhenDone = false;
+    bool m_leaving = false;
+    bool m_transitionDone = false;
+};
+
+// At quit, once nobody waits for dialogs any more: lets an assembly under way finish its archive,
+// so that no batch is left half moved, and lets the window go.
+void waitForMovieAssembly();

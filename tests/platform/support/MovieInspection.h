@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QImage>
+#include <QSize>
+#include <QString>
+
+#include <optional>
+
+// A movie file as ffprobe reads it, without trusting the writer.
+struct MovieInspection {
+    QString codec;
+    QString pixelFormat;
+    QSize size;
+    double durationSec = 0;
+    int packets = 0;
+    bool indexInFront = false; // the moov atom before the mdat atom
+};
+// Empty when the file holds no picture track.
+std::optional<MovieInspection> inspectMovie(const QString& path);
+
+// What ffmpeg shows at `seconds`: the last frame that starts at or before it; null on failure.
+QImage movieFrameAt(const QString& path, double seconds);
