@@ -55,7 +55,7 @@ void MovieAssembly::sCreateMovie(const MovieAssemblyInput& input) {
     const QString stamp = m_clock.now().toString(QStringLiteral("yyyy-MM-dd-HH-mm"));
     const QString archiveName = "Archive_" + stamp;
     std::optional<QString> target;
-    if (const std::optional<QString> destination = GetFolderItem(input.destination)) {
+    if (const std::optional<QString> destination = GetFolderItem(input.destination, FolderPlace::Pictures)) {
         QDir().mkdir(*destination);
         target = QDir(*destination).filePath(stamp + ".mov");
         makeMovie(input.files, *target, temporaries);
@@ -65,7 +65,8 @@ void MovieAssembly::sCreateMovie(const MovieAssemblyInput& input) {
 
     emit workingMessage(QStringLiteral("Archiving ..."), kPatience);
     // Joined as text: a destination without a trailing separator gets its archive beside it.
-    const std::optional<QString> archive = GetFolderItem(input.destination + archiveName);
+    const std::optional<QString> archive =
+        GetFolderItem(input.destination + archiveName, FolderPlace::Pictures);
     if (!archive) {
         throw NilObjectException("no archive folder");
     }

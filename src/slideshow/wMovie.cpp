@@ -102,7 +102,8 @@ void wMovie::Event_Open() {
 
 void wMovie::sPopulateList() {
     m_List->clear();
-    const std::optional<QString> folder = GetFolderItem(mGeneralSettings::current().pDestination);
+    const std::optional<QString> folder =
+        GetFolderItem(mGeneralSettings::current().pDestination, FolderPlace::Pictures);
     if (!folder) {
         throw NilObjectException("no destination folder");
     }
