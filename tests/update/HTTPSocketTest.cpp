@@ -102,7 +102,7 @@ TEST(HttpRequestBytes, DefaultsPostAndClearedHeadersGoOutExactly) {
     const QByteArray host = "Host: 127.0.0.1:" + QByteArray::number(server.port());
     HTTPSocket socket;
 
-    EXPECT_EQ(socket.Get(url(server, "/a?b=c d"), 5), "ok");
+    EXPECT_EQ(socket.Get(url(server, "/a?b=c%20d&e"), 5), "ok");
     socket.SetPostContent("x=1", "application/x-www-form-urlencoded");
     EXPECT_EQ(socket.Post(url(server, "/form"), 5), "ok");
     socket.Get(url(server, ""), 5);
@@ -114,7 +114,7 @@ TEST(HttpRequestBytes, DefaultsPostAndClearedHeadersGoOutExactly) {
 
     EXPECT_EQ(socket.ErrorCode(), 0);
     const std::vector<QByteArray> expected{
-        "GET /a?b=c d HTTP/1.0\r\nAccept: */*\r\nAccept-Language: en\r\n" + host + "\r\n\r\n",
+        "GET /a?b=c%20d&e HTTP/1.0\r\nAccept: */*\r\nAccept-Language: en\r\n" + host + "\r\n\r\n",
         "POST /form HTTP/1.0\r\nAccept: */*\r\nAccept-Language: en\r\n" + host +
             "\r\nContent-type: application/x-www-form-urlencoded\r\nContent-length: 3\r\n\r\nx=1",
         // The post content has gone with its headers.
@@ -288,7 +288,7 @@ TEST(HttpAuthentication, DigestAnswerMatchesAnIndependentComputation) {
 
 TEST(HttpAuthentication, RepeatedChallengeAsksAgainUntilTheOwnerDeclines) {
     const QByteArray challenge =
-        httpResponse("HTTP/1.0 401 Unauthorized", {"WWW-Authenticate: Basic realm=\"r\""}, "stop");
+        httpResponse("HTTP/1.0 401 Unauthorized", {"WWW-Authenticate: basic realm=\"r\""}, "stop");
     ScriptedServer server({respond(challenge)});
     HTTPSocket socket;
     Events events(socket);
@@ -407,17 +407,47 @@ TEST(HttpDownloadFile, BlockingDownloadReplacesTheFileWithTheBody) {
     EXPECT_TRUE(written.readAll() == body);
 }
 
-TEST(HttpBlocking, YieldDecidesWhetherApplicationEventsRunDuringTheWait) {
+TEST(HttpRefusal, LineBreaksBlanksAndBadPortsNeverReachTheNetwork) {
     ScriptedServer server({respond(kOk)});
-    for (const bool yield : {false, true}) {
+    const QByteArray at = "http://127.0.0.1:" + QByteArray::number(server.port());
+    struct Case {
+        QByteArray url, header, value;
+    };
+    const QByteArray none;
+    const Case cases[] = {{at + "/a\r\nX-Injected: 1", none, none},
+                          {at + "/a b", none, none},
+                          {at + "/a\tb", none, none},
+                          {"http://127.0.0.1\x7f:80/", none, none},
+                          {"http://127.0.0.1:" + QByteArray::number(server.port() + 65536) + "/", none, none},
+                          {"http://127.0.0.1:-1/", none, none},
+                          {at + "/", "X-A", "b\r\nX-Injected: 1"},
+                          {at + "/", "X-A\nX-B", "c"}};
+    for (const Case& c : cases) {
         HTTPSocket socket;
-        socket.Yield = yield;
-        bool ran = false;
-        QTimer::singleShot(0, [&ran] { ran = true; });
-        EXPECT_EQ(socket.Get(url(server, "/"), 5), "ok");
-        EXPECT_EQ(ran, yield);
-        QCoreApplication::processEvents();
+        socket.SetRequestHeader(c.header, c.value);
+        EXPECT_EQ(socket.Get(QString::fromUtf8(c.url), 5), "") << c.url.constData();
+        EXPECT_EQ(socket.ErrorCode(), HTTPSocket::kRefused) << c.url.constData();
     }
+    // The blocking forms wait only off the GUI thread.
+    QMetaObject::invokeMethod(
+        QCoreApplication::instance(),
+        [&] {
+            HTTPSocket socket;
+            EXPECT_EQ(socket.Get(url(server, "/"), 5), "");
+            EXPECT_EQ(socket.ErrorCode(), HTTPSocket::kRefused);
+        },
+        Qt::BlockingQueuedConnection);
+    HTTPSocket socket;
+    EXPECT_EQ(socket.Get(url(server, "/sent"), 5), "ok");
+    ASSERT_EQ(server.requests().size(), 1u);
+    EXPECT_TRUE(server.requests()[0].startsWith("GET /sent "));
+}
+
+TEST(HttpBlocking, ConnectionThatWaitsForTheKernelsSynRetryStillGetsThePage) {
+    ScriptedServer server({respond(kOk)}, ScriptedServer::DropFirstSyn);
+    HTTPSocket socket;
+    EXPECT_EQ(socket.Get(url(server, "/"), 10), "ok");
+    EXPECT_EQ(socket.ErrorCode(), 0);
 }
 
 } // namespace

@@ -1,0 +1,265 @@
+#include "NginxServer.h"
+#include "ScriptedDialogs.h"
+#include "ScriptedServer.h"
+#include "SignalWait.h"
+#include "app/ProgramFixture.h"
+#include "base/AppState.h"
+#include "update/cAutoUpdate.h"
+#include "update/wAutoUpdate.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QLabel>
+#include <QPushButton>
+#include <QTest>
+
+#include <future>
+
+namespace {
+
+ScriptedServer::Script respond(const QByteArray& body, const QByteArrayList& headers = {},
+                               const QByteArray& status = "HTTP/1.0 200 OK") {
+    return [=](ScriptedConnection& connection, const QByteArray&) {
+        connection.send(httpResponse(status, headers, body));
+    };
+}
+
+void pointChecksAt(int port) {
+    qputenv("KESTRELVIEW_UPDATE_HOST", "127.0.0.1:" + QByteArray::number(port));
+}
+
+QString text(QObject* window, const char* label) {
+    return window->findChild<QLabel*>(label)->text();
+}
+
+// "title|figures" of each download window as it closed.
+class ClosedWindows : public QObject {
+public:
+    ClosedWindows() { qApp->installEventFilter(this); }
+    bool eventFilter(QObject* object, QEvent* event) override {
+        if (event->type() == QEvent::Close && qobject_cast<wAutoUpdate*>(object) != nullptr)
+            texts.append(text(object, "stTitle") + '|' + text(object, "stProgress"));
+        return false;
+    }
+    QStringList texts;
+};
+
+// One nginx for the suite, serving update records and downloads, and a desktop folder of our own.
+class UpdateCheck : public testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        s_nginx = new NginxServer;
+        const QDir dir(s_nginx->dir());
+        dir.mkpath("www/autoupdate");
+        dir.mkpath("Desk");
+        const std::pair<const char*, QByteArray> files[] = {
+            {"www/autoupdate/newer.html",
+             "<html><version>1.8.0</version><url>http://x/</url><name>Kv 1.8</name>"
+             "<description>Faster &amp;\nsmaller</description></html>"},
+            {"www/autoupdate/equal.html", "<version>1.7.0</version>"},
+            {"www/autoupdate/tenth.html", "<version>1.10.0</version>"},
+            {"www/autoupdate/upper.html", "<VERSION>2.0</VERSION>"},
+            {"www/autoupdate/notag.html", "<html>nothing to see</html>"},
+            {"www/autoupdate/empty.html", "<version></version>"},
+            {"www/mebibyte.bin", QByteArray(1048576, 'm')},
+            {"www/million.bin", QByteArray(1000000, 'k')},
+            {"user-dirs.dirs", "XDG_DESKTOP_DIR=\"" + dir.filePath("Desk").toUtf8() + "\"\n"}};
+        for (const auto& [name, content] : files) {
+            QFile file(dir.filePath(name));
+            file.open(QIODevice::WriteOnly);
+            file.write(content);
+        }
+        qputenv("XDG_CONFIG_HOME", dir.path().toUtf8());
+        s_port = NginxServer::freePort();
+        const QByteArray server = "server { listen 127.0.0.1:" + QByteArray::number(s_port) +
+                                  "; root @DIR@/www; location = /autoupdate/moved.html { return 301 /x; } }";
+        if (!s_nginx->start(server, s_port))
+            s_error = s_nginx->error().toStdString();
+    }
+    static void TearDownTestSuite() { delete s_nginx; }
+
+    void SetUp() override { ASSERT_TRUE(s_error.empty()) << s_error; }
+
+    // Runs one check to its end; false when it never ended.
+    bool check(const QString& key, bool interactive) {
+        App().pActivateSnapShotTimer = false;
+        auto* updater = new cAutoUpdate(&m_parent);
+        updater->CheckVersion(&m_parent, key, interactive);
+        return waitForSignal(updater, &cAutoUpdate::CheckEnded, 20000) && App().pActivateSnapShotTimer;
+    }
+
+    // Accepts the offer of a record that points at `url`, to be saved as `file`.
+    bool startDownload(const QByteArray& url, const QString& file) {
+        ScriptedServer record({respond("<version>9</version><name>Nine</name><url>" + url + "</url>")});
+        pointChecksAt(record.port());
+        m_dialogs.buttons = {true};
+        m_dialogs.files = {file};
+        return check("kestrelview_linux", false);
+    }
+
+    static QByteArray nginxUrl(const char* path) {
+        return "http://127.0.0.1:" + QByteArray::number(s_port) + path;
+    }
+
+    static inline NginxServer* s_nginx = nullptr;
+    static inline int s_port = 0;
+    static inline std::string s_error;
+    QWidget m_parent;
+    ScriptedDialogs m_dialogs;
+    QTemporaryDir m_dir;
+    ClosedWindows m_closed;
+};
+
+TEST_F(UpdateCheck, RecordsAnsweredAtStartAndFromTheMenu) {
+    const QString latest =
+        "\nYou Currently Have the Latest Version ...|Please Try Again at a Later Date ...|Close|";
+    const QString unavailable = "\nCurrently Unavailable ...|Please Try Again Later ...|Close|";
+    struct Case {
+        const char* key;
+        QString dialog;
+        bool offer; // shown at start too
+    };
+    const Case cases[] = {
+        {"newer",
+         "Version Available:  1.8.0|Kv 1.8\nVersion: 1.8.0\n\nFaster &amp;\nsmaller|Download Now|Cancel",
+         true},
+        {"upper", "Version Available:  2.0|\nVersion: 2.0\n\n|Download Now|Cancel", true},
+        {"equal", "Version Download for EQUAL" + latest, false},
+        {"tenth", "Version Download for TENTH" + latest, false},
+        {"notag", "Version Download for NOTAG" + unavailable, false},
+        {"empty", "Version Download for EMPTY" + unavailable, false},
+        {"absent", "Version Download for ABSENT" + unavailable, false},
+        {"moved", "Version Download for MOVED" + unavailable, false},
+    };
+    pointChecksAt(s_port);
+    for (const Case& c : cases) {
+        for (const bool interactive : {false, true}) {
+            m_dialogs.asked.clear();
+            m_dialogs.buttons = {false};
+            ASSERT_TRUE(check(c.key, interactive)) << c.key;
+            EXPECT_EQ(m_dialogs.asked, interactive || c.offer ? QStringList{c.dialog} : QStringList{})
+                << c.key << " interactive " << interactive;
+        }
+    }
+}
+
+TEST_F(UpdateCheck, SilentServerEndsTheCheckAtItsTimeoutAndSlowAcceptStillGivesTheRecord) {
+    ScriptedServer silent(
+        {[](ScriptedConnection& connection, const QByteArray&) { connection.waitForClientClose(); }});
+    pointChecksAt(silent.port());
+    ASSERT_TRUE(check("kestrelview_linux", false));
+    EXPECT_TRUE(m_dialogs.asked.isEmpty());
+    const QByteArray host = "127.0.0.1:" + QByteArray::number(silent.port());
+    EXPECT_EQ(silent.requests(), std::vector<QByteArray>{"GET /autoupdate/kestrelview_linux.html HTTP/1.0\r\n"
+                                                         "Accept: */*\r\nAccept-Language: en\r\nHost: " +
+                                                         host + "\r\n\r\n"});
+
+    ScriptedServer slow({respond("<version>1.8.0</version>")}, ScriptedServer::DropFirstSyn);
+    pointChecksAt(slow.port());
+    m_dialogs.buttons = {false};
+    ASSERT_TRUE(check("kestrelview_linux", false));
+    EXPECT_EQ(m_dialogs.asked.size(), 1);
+}
+
+TEST_F(UpdateCheck, FinishedDownloadsCloseTheWindowOnTheirLastFigures) {
+    ScriptedServer other({respond(QByteArray(2621440, 'u')),
+                          respond(QByteArray(1048576, 's'), {"Content-Length: 2097152"}),
+                          respond("not here", {}, "HTTP/1.0 404 Not Found")});
+    const struct {
+        QByteArray url;
+        qint64 size;
+        QString closedWith;
+    } cases[] = {{nginxUrl("/mebibyte.bin"), 1048576, "Nine|1MB of 1 MB"},
+                 {nginxUrl("/million.bin"), 1000000, "Nine|0.95MB of 0.95 MB"},
+                 {other.url("/unannounced"), 2621440, "Nine|2.5MB of 0 MB"},
+                 {other.url("/short"), 1048576, "Nine|1MB of 2 MB"},
+                 {other.url("/missing"), 8, "Nine|0MB of 0 MB"}};
+    for (const auto& c : cases) {
+        m_closed.texts.clear();
+        const QString file = m_dir.filePath(QString::number(c.size) + ".zip");
+        ASSERT_TRUE(startDownload(c.url, file));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !m_closed.texts.isEmpty(); }, 20000)) << c.url.constData();
+        EXPECT_EQ(m_closed.texts, QStringList{c.closedWith});
+        EXPECT_EQ(QFileInfo(file).size(), c.size);
+    }
+    EXPECT_EQ(m_dialogs.saves.first(),
+              s_nginx->dir() + "/Desk|Select the Save Location|kestrelview_linux.zip");
+}
+
+TEST_F(UpdateCheck, FailedDownloadsShowTheErrorUntilCancel) {
+    const struct {
+        QByteArray url;
+        QString file;
+        QString title;
+    } cases[] = {{"http://127.0.0.1:" + QByteArray::number(NginxServer::freePort()) + "/",
+                  m_dir.filePath("x.zip"), "Error: 100"},
+                 {nginxUrl("/million.bin"), m_dir.path(), "Error: 1"}};
+    for (const auto& c : cases) {
+        m_closed.texts.clear();
+        ASSERT_TRUE(startDownload(c.url, c.file));
+        wAutoUpdate* window = wAutoUpdate::instance();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return text(window, "stTitle") == c.title; }, 10000))
+            << c.title.toStdString();
+        QTest::mouseClick(window->findChild<QPushButton*>("btnCancel"), Qt::LeftButton);
+        EXPECT_EQ(m_closed.texts, QStringList{c.title + '|'});
+    }
+}
+
+TEST_F(UpdateCheck, CancelKeepsWhatCameAndTheCloseBoxLetsTheDownloadGoOn) {
+    const QByteArray half(524288, 'h');
+    std::promise<void> more;
+    ScriptedServer server(
+        {[&](ScriptedConnection& connection, const QByteArray&) {
+             connection.send("HTTP/1.0 200 OK\r\n\r\n" + half);
+             connection.waitForClientClose();
+         },
+         [&, rest = more.get_future().share()](ScriptedConnection& connection, const QByteArray&) {
+             connection.send("HTTP/1.0 200 OK\r\n\r\n" + half);
+             rest.wait();
+             connection.send(half);
+         }});
+    const QString cancelled = m_dir.filePath("cancelled.zip"), whole = m_dir.filePath("whole.zip");
+    ASSERT_TRUE(startDownload(server.url("/a"), cancelled));
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return text(wAutoUpdate::instance(), "stProgress") == "0.5MB of 0 MB"; }));
+    QTest::mouseClick(wAutoUpdate::instance()->findChild<QPushButton*>("btnCancel"), Qt::LeftButton);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return server.servedAtLeast(1); }));
+    EXPECT_EQ(QFileInfo(cancelled).size(), half.size());
+
+    ASSERT_TRUE(startDownload(server.url("/b"), whole));
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return text(wAutoUpdate::instance(), "stProgress") == "0.5MB of 0 MB"; }));
+    wAutoUpdate::instance()->close();
+    more.set_value();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_closed.texts.size() == 3; }, 20000));
+    // The window made afresh for the rest knows no name.
+    EXPECT_EQ(m_closed.texts, (QStringList{"Nine|0.5MB of 0 MB", "Nine|0.5MB of 0 MB", "|1MB of 0 MB"}));
+    EXPECT_EQ(QFileInfo(whole).size(), 2 * half.size());
+}
+
+class UpdateAtStart : public ProgramTest {};
+
+TEST_F(UpdateAtStart, FirstCaptureWaitsForTheOfferAndTheMenuChecksAgain) {
+    ScriptedServer server({respond("<version>1.8.0</version>"), respond("<version>1.7.0</version>")});
+    pointChecksAt(server.port());
+    ScriptedDialogs dialogs;
+    mGeneralSettings::Prefs prefs = quietPrefs();
+    prefs.pUpdateAtStartup = "TRUE";
+    writePrefs(prefs);
+    openMainWindow();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return dialogs.asked.size() == 1; }));
+    EXPECT_FALSE(App().pActivateSnapShotTimer);
+    dialogs.answer(false);
+    EXPECT_TRUE(App().pActivateSnapShotTimer);
+
+    dialogs.buttons = {true};
+    m_main->menuHandlers().call("FileCheckForUpdates");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return dialogs.asked.size() == 2; }));
+    EXPECT_EQ(dialogs.asked[1],
+              "Version Download for KESTRELVIEW_LINUX\nYou Currently Have the Latest Version ...|"
+              "Please Try Again at a Later Date ...|Close|");
+    EXPECT_TRUE(server.requests()[0].startsWith("GET /autoupdate/kestrelview_linux.html HTTP/1.0\r\n"));
+}
+
+} // namespace
