@@ -6,8 +6,8 @@
 
 #include <deque>
 
-// Answers the update check's dialogs from a script and keeps what they said. Without a scripted
-// answer a dialog stays open until answer() or choose(). Installs itself for its lifetime.
+// Answers the update check's dialogs from a script and keeps what they said. A dialog without a
+// scripted answer stays open until answer(). Installs itself for its lifetime.
 class ScriptedDialogs final : public UpdateDialogs {
 public:
     ScriptedDialogs() { installUpdateDialogs(this); }
@@ -17,17 +17,14 @@ public:
         asked.append(q.message + '|' + q.explanation + '|' + q.actionCaption + '|' + q.cancelCaption);
         m_answer = std::move(answered);
         if (!buttons.empty())
-            answer(next(buttons));
+            answer(buttons.front()), buttons.pop_front();
     }
     void chooseSaveFile(QWidget*, const SaveFileRequest& r,
                         std::function<void(std::optional<QString>)> chosen) override {
         saves.append(r.initialDirectory + '|' + r.prompt + '|' + r.suggestedFileName);
-        m_choose = std::move(chosen);
-        if (!files.empty())
-            choose(next(files));
+        chosen(files.front()), files.pop_front();
     }
     void answer(bool action) { std::exchange(m_answer, {})(action); }
-    void choose(const std::optional<QString>& file) { std::exchange(m_choose, {})(file); }
 
     std::deque<bool> buttons;                 // true: the action button
     std::deque<std::optional<QString>> files; // nothing: the save dialog is cancelled
@@ -35,11 +32,5 @@ public:
     QStringList saves;                        // folder|prompt|suggested name
 
 private:
-    template <typename T> static T next(std::deque<T>& script) {
-        T front = script.front();
-        script.pop_front();
-        return front;
-    }
     std::function<void(bool)> m_answer;
-    std::function<void(std::optional<QString>)> m_choose;
 };

@@ -29,8 +29,21 @@ void pointChecksAt(int port) {
     qputenv("KESTRELVIEW_UPDATE_HOST", "127.0.0.1:" + QByteArray::number(port));
 }
 
-QString text(QObject* window, const char* label) {
+QString labelOf(const QObject* window, const char* label) {
     return window->findChild<QLabel*>(label)->text();
+}
+
+// A label of the download window on the screen; empty when there is none.
+QString shown(const char* label) {
+    for (const QWidget* window : QApplication::topLevelWidgets()) {
+        if (qobject_cast<const wAutoUpdate*>(window) != nullptr && window->isVisible())
+            return labelOf(window, label);
+    }
+    return {};
+}
+
+void clickCancel() {
+    QTest::mouseClick(wAutoUpdate::instance()->findChild<QPushButton*>("btnCancel"), Qt::LeftButton);
 }
 
 // "title|figures" of each download window as it closed.
@@ -39,13 +52,19 @@ public:
     ClosedWindows() { qApp->installEventFilter(this); }
     bool eventFilter(QObject* object, QEvent* event) override {
         if (event->type() == QEvent::Close && qobject_cast<wAutoUpdate*>(object) != nullptr)
-            texts.append(text(object, "stTitle") + '|' + text(object, "stProgress"));
+            texts.append(labelOf(object, "stTitle") + '|' + labelOf(object, "stProgress"));
         return false;
     }
     QStringList texts;
 };
 
-// One nginx for the suite, serving update records and downloads, and a desktop folder of our own.
+bool writeFile(const QString& path, const QByteArray& content) {
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+// One nginx for the suite, serving the update records that the tests write into its folder, and a
+// desktop folder of our own.
 class UpdateCheck : public testing::Test {
 protected:
     static void SetUpTestSuite() {
@@ -53,33 +72,18 @@ protected:
         const QDir dir(s_nginx->dir());
         dir.mkpath("www/autoupdate");
         dir.mkpath("Desk");
-        const std::pair<const char*, QByteArray> files[] = {
-            {"www/autoupdate/newer.html",
-             "<html><version>1.8.0</version><url>http://x/</url><name>Kv 1.8</name>"
-             "<description>Faster &amp;\nsmaller</description></html>"},
-            {"www/autoupdate/equal.html", "<version>1.7.0</version>"},
-            {"www/autoupdate/tenth.html", "<version>1.10.0</version>"},
-            {"www/autoupdate/upper.html", "<VERSION>2.0</VERSION>"},
-            {"www/autoupdate/notag.html", "<html>nothing to see</html>"},
-            {"www/autoupdate/empty.html", "<version></version>"},
-            {"www/mebibyte.bin", QByteArray(1048576, 'm')},
-            {"www/million.bin", QByteArray(1000000, 'k')},
-            {"user-dirs.dirs", "XDG_DESKTOP_DIR=\"" + dir.filePath("Desk").toUtf8() + "\"\n"}};
-        for (const auto& [name, content] : files) {
-            QFile file(dir.filePath(name));
-            file.open(QIODevice::WriteOnly);
-            file.write(content);
-        }
+        writeFile(dir.filePath("user-dirs.dirs"),
+                  "XDG_DESKTOP_DIR=\"" + dir.filePath("Desk").toUtf8() + "\"\n");
         qputenv("XDG_CONFIG_HOME", dir.path().toUtf8());
         s_port = NginxServer::freePort();
-        const QByteArray server = "server { listen 127.0.0.1:" + QByteArray::number(s_port) +
-                                  "; root @DIR@/www; location = /autoupdate/moved.html { return 301 /x; } }";
-        if (!s_nginx->start(server, s_port))
-            s_error = s_nginx->error().toStdString();
+        s_started =
+            s_nginx->start("server { listen 127.0.0.1:" + QByteArray::number(s_port) +
+                               "; root @DIR@/www; location = /autoupdate/moved.html { return 301 /x; } }",
+                           s_port);
     }
     static void TearDownTestSuite() { delete s_nginx; }
 
-    void SetUp() override { ASSERT_TRUE(s_error.empty()) << s_error; }
+    void SetUp() override { ASSERT_TRUE(s_started) << s_nginx->error().constData(); }
 
     // Runs one check to its end; false when it never ended.
     bool check(const QString& key, bool interactive) {
@@ -98,13 +102,9 @@ protected:
         return check("kestrelview_linux", false);
     }
 
-    static QByteArray nginxUrl(const char* path) {
-        return "http://127.0.0.1:" + QByteArray::number(s_port) + path;
-    }
-
     static inline NginxServer* s_nginx = nullptr;
     static inline int s_port = 0;
-    static inline std::string s_error;
+    static inline bool s_started = false;
     QWidget m_parent;
     ScriptedDialogs m_dialogs;
     QTemporaryDir m_dir;
@@ -115,31 +115,31 @@ TEST_F(UpdateCheck, RecordsAnsweredAtStartAndFromTheMenu) {
     const QString latest =
         "\nYou Currently Have the Latest Version ...|Please Try Again at a Later Date ...|Close|";
     const QString unavailable = "\nCurrently Unavailable ...|Please Try Again Later ...|Close|";
-    struct Case {
-        const char* key;
-        QString dialog;
-        bool offer; // shown at start too
-    };
-    const Case cases[] = {
+    // key, record (none: no such page), the menu's dialog, whether the start shows it too
+    const std::tuple<const char*, QByteArray, QString, bool> cases[] = {
         {"newer",
+         "<p><version>1.8.0</version><name>Kv 1.8</name><description>Faster &amp;\nsmaller</description>",
          "Version Available:  1.8.0|Kv 1.8\nVersion: 1.8.0\n\nFaster &amp;\nsmaller|Download Now|Cancel",
          true},
-        {"upper", "Version Available:  2.0|\nVersion: 2.0\n\n|Download Now|Cancel", true},
-        {"equal", "Version Download for EQUAL" + latest, false},
-        {"tenth", "Version Download for TENTH" + latest, false},
-        {"notag", "Version Download for NOTAG" + unavailable, false},
-        {"empty", "Version Download for EMPTY" + unavailable, false},
-        {"absent", "Version Download for ABSENT" + unavailable, false},
-        {"moved", "Version Download for MOVED" + unavailable, false},
-    };
+        {"upper", "<VERSION>2.0</VERSION>", "Version Available:  2.0|\nVersion: 2.0\n\n|Download Now|Cancel",
+         true},
+        {"equal", "<version>1.7.0</version>", "Version Download for EQUAL" + latest, false},
+        {"tenth", "<version>1.10.0</version>", "Version Download for TENTH" + latest, false},
+        {"notag", "<p>nothing</p>", "Version Download for NOTAG" + unavailable, false},
+        {"empty", "<version></version>", "Version Download for EMPTY" + unavailable, false},
+        {"absent", {}, "Version Download for ABSENT" + unavailable, false},
+        {"moved", {}, "Version Download for MOVED" + unavailable, false}};
     pointChecksAt(s_port);
-    for (const Case& c : cases) {
+    for (const auto& [key, record, dialog, offered] : cases) {
+        if (!record.isEmpty()) {
+            ASSERT_TRUE(writeFile(s_nginx->dir() + "/www/autoupdate/" + key + ".html", record));
+        }
         for (const bool interactive : {false, true}) {
             m_dialogs.asked.clear();
             m_dialogs.buttons = {false};
-            ASSERT_TRUE(check(c.key, interactive)) << c.key;
-            EXPECT_EQ(m_dialogs.asked, interactive || c.offer ? QStringList{c.dialog} : QStringList{})
-                << c.key << " interactive " << interactive;
+            ASSERT_TRUE(check(key, interactive)) << key;
+            EXPECT_EQ(m_dialogs.asked, interactive || offered ? QStringList{dialog} : QStringList{})
+                << key << " interactive " << interactive;
         }
     }
 }
@@ -162,48 +162,35 @@ TEST_F(UpdateCheck, SilentServerEndsTheCheckAtItsTimeoutAndSlowAcceptStillGivesT
     EXPECT_EQ(m_dialogs.asked.size(), 1);
 }
 
-TEST_F(UpdateCheck, FinishedDownloadsCloseTheWindowOnTheirLastFigures) {
-    ScriptedServer other({respond(QByteArray(2621440, 'u')),
-                          respond(QByteArray(1048576, 's'), {"Content-Length: 2097152"}),
-                          respond("not here", {}, "HTTP/1.0 404 Not Found")});
-    const struct {
-        QByteArray url;
-        qint64 size;
-        QString closedWith;
-    } cases[] = {{nginxUrl("/mebibyte.bin"), 1048576, "Nine|1MB of 1 MB"},
-                 {nginxUrl("/million.bin"), 1000000, "Nine|0.95MB of 0.95 MB"},
-                 {other.url("/unannounced"), 2621440, "Nine|2.5MB of 0 MB"},
-                 {other.url("/short"), 1048576, "Nine|1MB of 2 MB"},
-                 {other.url("/missing"), 8, "Nine|0MB of 0 MB"}};
-    for (const auto& c : cases) {
+TEST_F(UpdateCheck, DownloadsCloseOnTheirLastFiguresAndErrorsWaitForCancel) {
+    ScriptedServer server({respond(QByteArray(1048576, 'm'), {"Content-Length: 1048576"}),
+                           respond(QByteArray(1000000, 'k'), {"Content-Length: 1000000"}),
+                           respond(QByteArray(2621440, 'u')),
+                           respond(QByteArray(1048576, 's'), {"Content-Length: 2097152"}),
+                           respond("not here", {}, "HTTP/1.0 404 Not Found")});
+    const QByteArray refused = "http://127.0.0.1:" + QByteArray::number(NginxServer::freePort()) + "/";
+    // where from, where to, the window as it closed, the file's size
+    const std::tuple<QByteArray, QString, QString, qint64> cases[] = {
+        {server.url("/a"), m_dir.filePath("a.zip"), "Nine|1MB of 1 MB", 1048576},
+        {server.url("/b"), m_dir.filePath("b.zip"), "Nine|0.95MB of 0.95 MB", 1000000},
+        {server.url("/c"), m_dir.filePath("c.zip"), "Nine|2.5MB of 0 MB", 2621440},
+        {server.url("/short"), m_dir.filePath("d.zip"), "Nine|1MB of 2 MB", 1048576},
+        {server.url("/404"), m_dir.filePath("e.zip"), "Nine|0MB of 0 MB", 8},
+        {refused, m_dir.filePath("f.zip"), "Error: 100|", 0},
+        {server.url("/"), m_dir.path(), "Error: 1|", QFileInfo(m_dir.path()).size()}};
+    for (const auto& [url, file, closedWith, size] : cases) {
         m_closed.texts.clear();
-        const QString file = m_dir.filePath(QString::number(c.size) + ".zip");
-        ASSERT_TRUE(startDownload(c.url, file));
-        ASSERT_TRUE(QTest::qWaitFor([&] { return !m_closed.texts.isEmpty(); }, 20000)) << c.url.constData();
-        EXPECT_EQ(m_closed.texts, QStringList{c.closedWith});
-        EXPECT_EQ(QFileInfo(file).size(), c.size);
+        ASSERT_TRUE(startDownload(url, file));
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] { return !m_closed.texts.isEmpty() || shown("stTitle").startsWith("Error"); }, 20000))
+            << url.constData();
+        if (m_closed.texts.isEmpty())
+            clickCancel();
+        EXPECT_EQ(m_closed.texts, QStringList{closedWith});
+        EXPECT_EQ(QFileInfo(file).size(), size);
     }
     EXPECT_EQ(m_dialogs.saves.first(),
               s_nginx->dir() + "/Desk|Select the Save Location|kestrelview_linux.zip");
-}
-
-TEST_F(UpdateCheck, FailedDownloadsShowTheErrorUntilCancel) {
-    const struct {
-        QByteArray url;
-        QString file;
-        QString title;
-    } cases[] = {{"http://127.0.0.1:" + QByteArray::number(NginxServer::freePort()) + "/",
-                  m_dir.filePath("x.zip"), "Error: 100"},
-                 {nginxUrl("/million.bin"), m_dir.path(), "Error: 1"}};
-    for (const auto& c : cases) {
-        m_closed.texts.clear();
-        ASSERT_TRUE(startDownload(c.url, c.file));
-        wAutoUpdate* window = wAutoUpdate::instance();
-        EXPECT_TRUE(QTest::qWaitFor([&] { return text(window, "stTitle") == c.title; }, 10000))
-            << c.title.toStdString();
-        QTest::mouseClick(window->findChild<QPushButton*>("btnCancel"), Qt::LeftButton);
-        EXPECT_EQ(m_closed.texts, QStringList{c.title + '|'});
-    }
 }
 
 TEST_F(UpdateCheck, CancelKeepsWhatCameAndTheCloseBoxLetsTheDownloadGoOn) {
@@ -221,15 +208,13 @@ TEST_F(UpdateCheck, CancelKeepsWhatCameAndTheCloseBoxLetsTheDownloadGoOn) {
          }});
     const QString cancelled = m_dir.filePath("cancelled.zip"), whole = m_dir.filePath("whole.zip");
     ASSERT_TRUE(startDownload(server.url("/a"), cancelled));
-    ASSERT_TRUE(
-        QTest::qWaitFor([&] { return text(wAutoUpdate::instance(), "stProgress") == "0.5MB of 0 MB"; }));
-    QTest::mouseClick(wAutoUpdate::instance()->findChild<QPushButton*>("btnCancel"), Qt::LeftButton);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return shown("stProgress") == "0.5MB of 0 MB"; }));
+    clickCancel();
     EXPECT_TRUE(QTest::qWaitFor([&] { return server.servedAtLeast(1); }));
     EXPECT_EQ(QFileInfo(cancelled).size(), half.size());
 
     ASSERT_TRUE(startDownload(server.url("/b"), whole));
-    ASSERT_TRUE(
-        QTest::qWaitFor([&] { return text(wAutoUpdate::instance(), "stProgress") == "0.5MB of 0 MB"; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return shown("stProgress") == "0.5MB of 0 MB"; }));
     wAutoUpdate::instance()->close();
     more.set_value();
     ASSERT_TRUE(QTest::qWaitFor([&] { return m_closed.texts.size() == 3; }, 20000));
