@@ -4,13 +4,16 @@
 #include "SignalWait.h"
 #include "app/ProgramFixture.h"
 #include "base/AppState.h"
+#include "update/QtUpdateDialogs.h"
 #include "update/cAutoUpdate.h"
 #include "update/wAutoUpdate.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
 
@@ -245,6 +248,34 @@ TEST_F(UpdateAtStart, FirstCaptureWaitsForTheOfferAndTheMenuChecksAgain) {
               "Version Download for KESTRELVIEW_LINUX\nYou Currently Have the Latest Version ...|"
               "Please Try Again at a Later Date ...|Close|");
     EXPECT_TRUE(server.requests()[0].startsWith("GET /autoupdate/kestrelview_linux.html HTTP/1.0\r\n"));
+}
+
+} // namespace
+
+namespace {
+
+TEST(QtUpdateDialogsTest, ButtonsAndTheSaveDialogAnswerThroughTheirCallbacks) {
+    QWidget parent;
+    QtUpdateDialogs dialogs;
+    QStringList answers;
+    for (const QString button : {"Download Now", "Cancel"}) {
+        dialogs.ask(&parent, {"m", "e", "Download Now", "Cancel"},
+                    [&](bool action) { answers.append(action ? "action" : "cancel"); });
+        QMessageBox* box = parent.findChild<QMessageBox*>();
+        ASSERT_TRUE(box != nullptr && box->isVisible());
+        for (QAbstractButton* shown : box->buttons())
+            if (shown->text() == button)
+                shown->click();
+        delete box;
+    }
+    QTemporaryDir dir;
+    dialogs.chooseSaveFile(
+        &parent, {dir.path(), "Select the Save Location", "kv.zip"},
+        [&](const std::optional<QString>& file) { answers.append(file.value_or("none")); });
+    QFileDialog* save = parent.findChild<QFileDialog*>();
+    ASSERT_NE(save, nullptr);
+    static_cast<QDialog*>(save)->accept();
+    EXPECT_EQ(answers, (QStringList{"action", "cancel", dir.filePath("kv.zip")}));
 }
 
 } // namespace
