@@ -12,6 +12,16 @@ namespace {
 // Under the program's own web address; KESTRELVIEW_UPDATE_HOST points the check elsewhere.
 const QString kUpdateHost = QStringLiteral("updates.kestrelview.com");
 
+QString recordUrl(const QString& key) {
+    const QString chosen = qEnvironmentVariable("KESTRELVIEW_UPDATE_HOST");
+    return "http://" + (chosen.isEmpty() ? kUpdateHost : chosen) + "/autoupdate/" + key + ".html";
+}
+
+// Whole strings, compared as every text of the program is: "1.10.0" sorts below "1.7.0".
+bool isNewerVersion(const QString& recordVersion, const QString& programVersion) {
+    return recordVersion.compare(programVersion, Qt::CaseInsensitive) > 0;
+}
+
 UpdateQuestion closeOnly(const QString& key, const QString& news, const QString& explanation) {
     return {"Version Download for " + key.toUpper() + '\n' + news, explanation, "Close", {}};
 }
@@ -25,11 +35,6 @@ cAutoUpdate::cAutoUpdate(QObject* owner)
     connect(this, &HTTPSocket::DownloadComplete, this, &cAutoUpdate::Event_DownloadComplete);
     connect(m_recordSocket, &HTTPSocket::PageReceived, this, &cAutoUpdate::recordArrived);
     connect(m_recordSocket, &HTTPSocket::Error, this, &cAutoUpdate::recordArrived);
-}
-
-QString cAutoUpdate::recordUrl(const QString& key) {
-    const QString chosen = qEnvironmentVariable("KESTRELVIEW_UPDATE_HOST");
-    return "http://" + (chosen.isEmpty() ? kUpdateHost : chosen) + "/autoupdate/" + key + ".html";
 }
 
 void cAutoUpdate::CheckVersion(QWidget* parent, const QString& key, bool interactive) {
@@ -49,10 +54,6 @@ QString cAutoUpdate::ParseKey(const QString& key, const QString& source) {
     const qsizetype start = openAt + open.size();
     const qsizetype count = closeAt - start;
     return count <= 0 ? QString() : source.mid(start, count);
-}
-
-bool cAutoUpdate::isNewerVersion(const QString& recordVersion, const QString& programVersion) {
-    return recordVersion.compare(programVersion, Qt::CaseInsensitive) > 0;
 }
 
 void cAutoUpdate::recordArrived() {

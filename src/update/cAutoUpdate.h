@@ -25,15 +25,6 @@ public:
     // dialog has been answered and any download has started: then the go flag is set and
     // CheckEnded comes. `interactive` false keeps quiet about a record that offers nothing.
     void CheckVersion(QWidget* parent, const QString& key, bool interactive);
-    // The text between the first <key> and the first </key> of the source, letter case ignored;
-    // empty when the close tag does not come behind the open tag.
-    static QString ParseKey(const QString& key, const QString& source);
-    // The record's version counts only when it sorts strictly above the program's, compared as
-    // whole strings: "1.10.0" sorts below "1.7.0".
-    static bool isNewerVersion(const QString& recordVersion, const QString& programVersion);
-    // The record's address: the update host, or the host (and port) in KESTRELVIEW_UPDATE_HOST.
-    static QString recordUrl(const QString& key);
-
     // The window that showed this download has gone.
     void Release();
 
@@ -41,6 +32,9 @@ signals:
     void CheckEnded();
 
 private:
+    // The text between the first <key> and the first </key> of the source, letter case ignored;
+    // empty when the close tag does not come behind the open tag.
+    static QString ParseKey(const QString& key, const QString& source);
     void Event_ReceiveProgress(qint64 bytesReceived, qint64 totalBytes);
     void Event_Error(int code);
     void Event_DownloadComplete();

@@ -24,19 +24,21 @@ QLabel* makeText(QWidget* parent, const char* name, QRect frame, bool bold) {
     return label;
 }
 
+// Megabytes of 1,048,576 bytes, rounded to two decimals, in the shortest form.
 QString megabytes(qint64 bytes) {
     const double rounded = std::round(static_cast<double>(bytes) / 1048576 * 100) / 100;
     return QString::number(rounded, 'g', QLocale::FloatingPointShortest);
+}
+
+// "1.5MB of 3 MB", with no blank in front of the first "MB".
+QString fDownloadFigures(qint64 bytesReceived, qint64 totalBytes) {
+    return megabytes(bytesReceived) + "MB of " + megabytes(totalBytes) + " MB";
 }
 
 int clampedToInt(qint64 value) {
     return static_cast<int>(std::clamp<qint64>(value, 0, INT_MAX));
 }
 } // namespace
-
-QString fDownloadFigures(qint64 bytesReceived, qint64 totalBytes) {
-    return megabytes(bytesReceived) + "MB of " + megabytes(totalBytes) + " MB";
-}
 
 wAutoUpdate* wAutoUpdate::instance() {
     return singleWindow<wAutoUpdate>();

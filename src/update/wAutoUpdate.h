@@ -37,6 +37,3 @@ private:
     QPushButton* btnCancel;
     QPointer<cAutoUpdate> Updater;
 };
-
-// "1.5MB of 3 MB": megabytes of 1,048,576 bytes, rounded to two decimals.
-QString fDownloadFigures(qint64 bytesReceived, qint64 totalBytes);
