@@ -428,10 +428,10 @@ void HTTPSocket::failExchange(int code) {
 void HTTPSocket::WaitForPage(QEventLoop& loop) {
     _pageComplete = false;
     mErrorCode = 0;
-    m_waitLoop = &loop;
+    QEventLoop* const outer = std::exchange(m_waitLoop, &loop);
     armSilence();
     loop.exec();
-    m_waitLoop = nullptr;
+    m_waitLoop = outer;
 }
 
 // The timeout measures silence: a change of connection or new page data starts it afresh.
