@@ -17,6 +17,7 @@
 #include "settings/mScreenSettings.h"
 #include "settings/wGeneralSettings.h"
 #include "slideshow/wMovie.h"
+#include "update/cAutoUpdate.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
@@ -31,6 +32,8 @@ namespace {
 // The logo's area below the menu bar.
 constexpr QSize kImageWellSize(200, 193);
 constexpr QRect kCountDownFrame(20, 158, 100, 20);
+// The update record of this platform's release.
+const QString kUpdateKey = QStringLiteral("kestrelview_linux");
 
 wMain* g_instance = nullptr;
 
@@ -226,9 +229,11 @@ int wMain::menuBarHeight() const {
     return bar != nullptr ? bar->heightForWidth(kImageWellSize.width()) : 0;
 }
 
-void wMain::CheckForUpdates(bool) {
-    // No update check yet; its end is what lets the first capture come.
-    App().pActivateSnapShotTimer = true;
+// The check runs beside the countdown; its end sets the go flag, and the next tick arms the
+// interval timer.
+void wMain::CheckForUpdates(bool interactive) {
+    auto* check = new cAutoUpdate(this);
+    check->CheckVersion(this, kUpdateKey, interactive);
 }
 
 void wMain::sGetWindowSettings() {

@@ -4,16 +4,20 @@
 #include "update/HttpUrl.h"
 
 #include <QCoreApplication>
+#include <QEventLoop>
 #include <QFileInfo>
+#include <QNetworkProxy>
 #include <QSignalBlocker>
 #include <QTcpSocket>
 #include <QThread>
+#include <QTimer>
 
+#include <algorithm>
 #include <chrono>
+#include <climits>
 
 namespace {
 
-constexpr int kPollSliceMs = 20;
 // Holds enough for any header block within the limit; beyond it the server waits for us.
 constexpr qint64 kSocketReadBufferBytes = 4 * HTTPSocket::kMaxHeaderBlockBytes;
 
@@ -40,8 +44,13 @@ private:
 
 HTTPSocket::HTTPSocket(QObject* parent)
     : QObject(parent)
-    , m_socket(new QTcpSocket(this)) {
+    , m_socket(new QTcpSocket(this))
+    , m_silence(new QTimer(this)) {
+    // The one proxy is HTTPProxyAddress: the system's settings never reroute a request.
+    m_socket->setProxy(QNetworkProxy::NoProxy);
     m_socket->setReadBufferSize(kSocketReadBufferBytes);
+    m_silence->setSingleShot(true);
+    connect(m_silence, &QTimer::timeout, this, [this] { failExchange(-1); });
     connect(m_socket, &QTcpSocket::connected, this, &HTTPSocket::Event_Connected);
     connect(m_socket, &QTcpSocket::readyRead, this, &HTTPSocket::Event_DataAvailable);
     connect(m_socket, &QTcpSocket::errorOccurred, this, &HTTPSocket::onSocketError);
@@ -87,47 +96,84 @@ void HTTPSocket::SetRequestHeader(const QByteArray& name, const QByteArray& valu
 }
 
 void HTTPSocket::SendRequest(const QByteArray& method, const QString& url) {
-    synchronous = false;
-    _DoConnect(url, method, std::nullopt);
+    startExchange(method, url, std::nullopt, false, 0);
 }
 
 void HTTPSocket::SendRequest(const QByteArray& method, const QString& url, const QString& file) {
-    synchronous = false;
-    _DoConnect(url, method, file);
+    startExchange(method, url, file, false, 0);
 }
 
 bool HTTPSocket::SendRequest(const QByteArray& method, const QString& url, const QString& file,
                              int timeoutSec) {
-    startBlocking(timeoutSec);
-    _DoConnect(url, method, file);
-    WaitForPage();
+    sendAndWait(method, url, file, timeoutSec);
     return mErrorCode == 0;
 }
 
 QByteArray HTTPSocket::SendRequest(const QByteArray& method, const QString& url, int timeoutSec) {
-    startBlocking(timeoutSec);
-    _DoConnect(url, method, std::nullopt);
-    WaitForPage();
+    sendAndWait(method, url, std::nullopt, timeoutSec);
     return _pageBuffer;
 }
 
 std::optional<InternetHeaders> HTTPSocket::GetHeaders(const QString& url, int timeoutSec) {
-    startBlocking(timeoutSec);
-    _DoConnect(url, "HEAD", std::nullopt);
-    WaitForPage();
+    sendAndWait("HEAD", url, std::nullopt, timeoutSec);
     return _pageHeaders;
 }
 
-void HTTPSocket::startBlocking(int timeoutSec) {
+void HTTPSocket::GetInBackground(const QString& url, int timeoutSec) {
+    startExchange("GET", url, std::nullopt, false, timeoutSec);
+}
+
+void HTTPSocket::startExchange(const QByteArray& method, const QString& url,
+                               const std::optional<QString>& file, bool blocking, int timeoutSec) {
+    synchronous = blocking;
     timeoutSeconds = timeoutSec;
-    synchronous = true;
+    m_silence->stop();
+    _DoConnect(url, method, file);
+    if (m_busy)
+        armSilence();
+}
+
+void HTTPSocket::sendAndWait(const QByteArray& method, const QString& url, const std::optional<QString>& file,
+                             int timeoutSec) {
+    if (!mayBlockHere()) {
+        synchronous = true;
+        _ResetVariables();
+        failExchange(kRefused);
+        return;
+    }
+    // Made first: on a thread without an event loop this also makes the event dispatcher that the
+    // socket and the timer need.
+    QEventLoop loop;
+    startExchange(method, url, file, true, timeoutSec);
+    // An unusable download file is waited out like silence, as this client has always done; any
+    // other failure to start ends the call at once.
+    if (m_busy || mErrorCode == 1)
+        WaitForPage(loop);
+}
+
+bool HTTPSocket::mayBlockHere() const {
+    const QCoreApplication* app = QCoreApplication::instance();
+    QThread* here = QThread::currentThread();
+    return app != nullptr && here != app->thread() && here == thread();
 }
 
 void HTTPSocket::Close() {
+    dropConnection();
+    endExchange();
+}
+
+void HTTPSocket::dropConnection() {
     // Our own close is no end of the page: the socket's events stay out of it.
     const QSignalBlocker blocker(m_socket);
     m_socket->abort();
-    _connectionValid = false;
+    setConnectionValid(false);
+}
+
+void HTTPSocket::setConnectionValid(bool valid) {
+    if (valid != _connectionValid) {
+        _connectionValid = valid;
+        restartSilence();
+    }
 }
 
 bool HTTPSocket::IsConnected() const {
@@ -149,15 +195,31 @@ void HTTPSocket::_DoConnect(const QString& url, const QByteArray& action, std::o
     m_address = parsed.address;
     m_port = parsed.port;
     _processingURL = url;
-    if (!_SetDownloadFile(file))
-        return;
     if (!HTTPProxyAddress.isEmpty()) {
         m_address = HTTPProxyAddress.toUtf8();
         m_port = HTTPProxyPort == 0 ? DefaultPort : HTTPProxyPort;
     }
+    if (!isSendable()) {
+        _ResetVariables();
+        failExchange(kRefused);
+        return;
+    }
+    if (!_SetDownloadFile(file))
+        return;
     _httpAction = action;
-    Close();
+    dropConnection();
+    m_busy = true;
     m_socket->connectToHost(QString::fromUtf8(m_address), static_cast<quint16>(m_port));
+}
+
+bool HTTPSocket::isSendable() const {
+    if (!isSendableUrl(_processingURL.toUtf8(), {_server, _path, m_address, m_port}) || !isPortNumber(m_port))
+        return false;
+    for (int index = 0; index < requestHeaders.Count(); ++index) {
+        if (holdsLineBreak(requestHeaders.Name(index)) || holdsLineBreak(requestHeaders.Value(index)))
+            return false;
+    }
+    return true;
 }
 
 bool HTTPSocket::_SetDownloadFile(const std::optional<QString>& file) {
@@ -194,7 +256,7 @@ void HTTPSocket::_ResetVariables() {
 }
 
 void HTTPSocket::Event_Connected() {
-    _connectionValid = true;
+    setConnectionValid(true);
     _ResetVariables();
     const quint64 exchange = m_exchange;
     if (!synchronous)
@@ -296,6 +358,7 @@ void HTTPSocket::_ProcessData(const QByteArray& data) {
             return;
         }
         _pageBuffer += data;
+        restartSilence();
     } else if (_downloadStream->write(data) != data.size()) {
         failExchange(1);
         return;
@@ -321,7 +384,8 @@ void HTTPSocket::onSocketDisconnected() {
 }
 
 void HTTPSocket::Event_Error() {
-    const bool wasValid = std::exchange(_connectionValid, false);
+    const bool wasValid = _connectionValid;
+    setConnectionValid(false);
     if (!wasValid)
         SetError(kSocketErrorBase + m_socket->error());
     else if (m_socket->bytesAvailable() == 0)
@@ -334,6 +398,7 @@ void HTTPSocket::_ProcessPage() {
     if (_pageComplete)
         return;
     _pageComplete = true;
+    endExchange();
     const bool toFile = _downloadStream != nullptr;
     const std::optional<QString> file = _downloadFile;
     _KillDownloadStream();
@@ -349,6 +414,7 @@ void HTTPSocket::_ProcessPage() {
 
 void HTTPSocket::SetError(int code) {
     mErrorCode = code;
+    endExchange();
     if (!synchronous)
         emit Error(code);
 }
@@ -359,47 +425,31 @@ void HTTPSocket::failExchange(int code) {
     SetError(code);
 }
 
-void HTTPSocket::poll() {
-    switch (m_socket->state()) {
-    case QAbstractSocket::HostLookupState:
-    case QAbstractSocket::ConnectingState:
-        m_socket->waitForConnected(kPollSliceMs);
-        break;
-    case QAbstractSocket::ConnectedState:
-        m_socket->waitForReadyRead(kPollSliceMs);
-        break;
-    default:
-        // Nothing can happen on the socket; only the timeout can end the wait.
-        QThread::msleep(kPollSliceMs);
-        break;
-    }
-}
-
-void HTTPSocket::WaitForPage() {
-    using Clock = std::chrono::steady_clock;
+void HTTPSocket::WaitForPage(QEventLoop& loop) {
     _pageComplete = false;
     mErrorCode = 0;
-    const auto silence = std::chrono::seconds(timeoutSeconds);
-    auto deadline = Clock::now() + silence;
-    bool seenConnection = false;
-    qsizetype seenLength = 0;
-    while (!_pageComplete && mErrorCode == 0) {
-        poll();
-        if (Yield)
-            QCoreApplication::processEvents();
-        // The timeout measures silence: a change of connection or new page data restarts it.
-        if (_connectionValid != seenConnection) {
-            seenConnection = _connectionValid;
-            deadline = Clock::now() + silence;
-        } else if (_pageBuffer.size() != seenLength) {
-            seenLength = _pageBuffer.size();
-            deadline = Clock::now() + silence;
-        }
-        if (timeoutSeconds > 0 && deadline < Clock::now()) {
-            failExchange(-1);
-            break;
-        }
-    }
+    QEventLoop* const outer = std::exchange(m_waitLoop, &loop);
+    armSilence();
+    loop.exec();
+    m_waitLoop = outer;
+}
+
+// The timeout measures silence: a change of connection or new page data starts it afresh.
+void HTTPSocket::armSilence() {
+    if (timeoutSeconds > 0)
+        m_silence->start(std::chrono::seconds(std::min(timeoutSeconds, INT_MAX / 1000)));
+}
+
+void HTTPSocket::restartSilence() {
+    if (m_silence->isActive())
+        m_silence->start();
+}
+
+void HTTPSocket::endExchange() {
+    m_busy = false;
+    m_silence->stop();
+    if (m_waitLoop != nullptr)
+        m_waitLoop->quit();
 }
 
 bool HTTPSocket::_SetAuthentication(const QByteArray& prefix) {

@@ -13,7 +13,9 @@
 #include <utility>
 #include <vector>
 
+class QEventLoop;
 class QTcpSocket;
+class QTimer;
 
 // The owner's answer to an authentication challenge: fill in the name and password and set
 // `answer` to send the request again with them.
@@ -27,7 +29,13 @@ struct AuthenticationAnswer {
 // connection. Each request comes in a form that reports through signals and a blocking form that
 // waits until the server has been silent for a timeout. A body goes to memory or to a file.
 //
-// Error codes: 0 none, -1 silence beyond the timeout, 1 an unusable download file, -2 a header
+// The blocking forms are for threads other than the GUI thread, on the thread that made the
+// socket: they wait on a private event loop of their own, so that a name lookup or a connection
+// takes as long as it needs within the timeout. On the GUI thread they are refused.
+//
+// Error codes: 0 none, -1 silence beyond the timeout, 1 an unusable download file, -2 a request
+// refused before anything was sent (a line break in the URL or a header, a blank or control byte in
+// the URL's host or path, a port outside 1..65535, a blocking form on the GUI thread) or a header
 // block or a page in memory beyond the limits below; otherwise a socket error, 100 + the value of
 // QAbstractSocket::SocketError. Each of these ends the exchange.
 class HTTPSocket : public QObject {
@@ -37,6 +45,7 @@ public:
     static constexpr qsizetype kMaxHeaderBlockBytes = 64 * 1024;
     static constexpr qsizetype kMaxPageBytes = 32 * 1024 * 1024;
     static constexpr int kSocketErrorBase = 100;
+    static constexpr int kRefused = -2;
 
     using FormData = std::vector<std::pair<QByteArray, QByteArray>>;
 
@@ -47,12 +56,15 @@ public:
     QString HTTPProxyAddress; // empty: no proxy
     int HTTPProxyPort = 0;    // 0: DefaultPort
     InternetHeaders requestHeaders;
-    bool Yield = false; // the blocking forms process application events while they wait
 
     void ClearRequestHeaders() { requestHeaders.DeleteAllHeaders(); }
     static QByteArray EncodeFormData(const FormData& form);
     int ErrorCode() const { return mErrorCode; }
     int HTTPStatusCode() const { return _httpStatusCode; }
+    // The body in memory as it stands, complete or not.
+    QByteArray PageContent() const { return _pageBuffer; }
+    // An exchange has started and has neither ended nor been closed.
+    bool IsBusy() const { return m_busy; }
     // Nothing before a header block has come, or when it has no entries.
     std::optional<InternetHeaders> PageHeaders() const;
     void SetFormData(const std::optional<FormData>& form);
@@ -66,6 +78,9 @@ public:
         return SendRequest("GET", url, file, timeoutSec);
     }
     QByteArray Get(const QString& url, int timeoutSec) { return SendRequest("GET", url, timeoutSec); }
+    // Like Get(url), and ends with Error(-1) once the server has been silent for the timeout, as
+    // the blocking forms measure it.
+    void GetInBackground(const QString& url, int timeoutSec);
     void GetHeaders(const QString& url) { SendRequest("HEAD", url); }
     std::optional<InternetHeaders> GetHeaders(const QString& url, int timeoutSec);
     void Post(const QString& url) { SendRequest("POST", url); }
@@ -108,9 +123,18 @@ private:
 
     void SetError(int code);
     void failExchange(int code);
-    void startBlocking(int timeoutSec);
-    void WaitForPage();
-    void poll();
+    void startExchange(const QByteArray& method, const QString& url, const std::optional<QString>& file,
+                       bool blocking, int timeoutSec);
+    void sendAndWait(const QByteArray& method, const QString& url, const std::optional<QString>& file,
+                     int timeoutSec);
+    bool mayBlockHere() const;
+    bool isSendable() const;
+    void WaitForPage(QEventLoop& loop);
+    void armSilence();
+    void restartSilence();
+    void endExchange();
+    void dropConnection();
+    void setConnectionValid(bool valid);
     void _DoConnect(const QString& url, const QByteArray& action, std::optional<QString> file);
     void _HandleNewData();
     void _InitializeRequestHeaders();
@@ -124,6 +148,9 @@ private:
     bool _SetAuthentication(const QByteArray& prefix);
 
     QTcpSocket* m_socket; // child
+    QTimer* m_silence;    // child; runs while a timeout is being measured
+    QEventLoop* m_waitLoop = nullptr;
+    bool m_busy = false;
     QByteArray m_address;
     int m_port = 0;
     // Counts exchanges, so that code running after a signal sees when its handler began a new one.

@@ -78,9 +78,9 @@ AuthenticationParams parseAuthenticationParams(const QByteArray& text) {
 QByteArray createAuthenticationData(const QByteArray& scheme, const QByteArray& name,
                                     const QByteArray& password, const AuthenticationParams& params,
                                     NonceCounts& nonces) {
-    if (scheme == "Basic")
+    if (scheme.compare("Basic", Qt::CaseInsensitive) == 0)
         return "Basic " + EncodeBase64(name + ':' + password, 76);
-    if (scheme != "Digest")
+    if (scheme.compare("Digest", Qt::CaseInsensitive) != 0)
         return {};
 
     const QByteArray nonce = lookup(params, "nonce");

@@ -27,7 +27,8 @@ Challenge parseChallenge(const QByteArray& header);
 // so a value without quotes loses its first and last characters.
 AuthenticationParams parseAuthenticationParams(const QByteArray& text);
 
-// The Authorization value; empty for a scheme that is neither "Digest" nor "Basic".
+// The Authorization value; empty for a scheme that is neither "Digest" nor "Basic", in any letter
+// case.
 QByteArray createAuthenticationData(const QByteArray& scheme, const QByteArray& name,
                                     const QByteArray& password, const AuthenticationParams& params,
                                     NonceCounts& nonces);

@@ -2,6 +2,8 @@
 
 #include "update/HeaderBlock.h"
 
+#include <algorithm>
+
 HttpUrl parseHttpUrl(QByteArrayView url, int defaultPort) {
     const qsizetype scheme = url.indexOf("://");
     const QByteArrayView rest = scheme < 0 ? url : url.sliced(scheme + 3);
@@ -15,6 +17,20 @@ HttpUrl parseHttpUrl(QByteArrayView url, int defaultPort) {
     const int port = colon < 0 ? 0 : leadingInt32(QByteArrayView(parsed.server).sliced(colon + 1));
     parsed.port = port == 0 ? defaultPort : port;
     return parsed;
+}
+
+bool holdsLineBreak(QByteArrayView text) {
+    return text.contains('\r') || text.contains('\n');
+}
+
+bool isSendableUrl(QByteArrayView url, const HttpUrl& parsed) {
+    const auto unsafe = [](char c) { return static_cast<unsigned char>(c) <= ' ' || c == '\x7f'; };
+    return !holdsLineBreak(url) && std::ranges::none_of(parsed.server, unsafe) &&
+           std::ranges::none_of(parsed.path, unsafe);
+}
+
+bool isPortNumber(int port) {
+    return port >= 1 && port <= 65535;
 }
 
 QByteArray encodeUrlString(QByteArrayView text) {

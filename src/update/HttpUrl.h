@@ -14,6 +14,12 @@ struct HttpUrl {
 
 HttpUrl parseHttpUrl(QByteArrayView url, int defaultPort);
 
+// A request line or header line that holds CR or LF would let its text write lines of its own into
+// the request, and a blank or control byte in the host or path would split the request line.
+bool holdsLineBreak(QByteArrayView text);
+bool isSendableUrl(QByteArrayView url, const HttpUrl& parsed);
+bool isPortNumber(int port);
+
 // Form encoding: the characters %&=,/\][{}`~-_()*^$#!+;<> and CR, LF become %XX (capital hex
 // digits), then blanks become "+". Every other byte stays as it is.
 QByteArray encodeUrlString(QByteArrayView text);

@@ -102,7 +102,7 @@ TEST(HttpRequestBytes, DefaultsPostAndClearedHeadersGoOutExactly) {
     const QByteArray host = "Host: 127.0.0.1:" + QByteArray::number(server.port());
     HTTPSocket socket;
 
-    EXPECT_EQ(socket.Get(url(server, "/a?b=c d"), 5), "ok");
+    EXPECT_EQ(socket.Get(url(server, "/a?b=c%20d&e"), 5), "ok");
     socket.SetPostContent("x=1", "application/x-www-form-urlencoded");
     EXPECT_EQ(socket.Post(url(server, "/form"), 5), "ok");
     socket.Get(url(server, ""), 5);
@@ -114,7 +114,7 @@ TEST(HttpRequestBytes, DefaultsPostAndClearedHeadersGoOutExactly) {
 
     EXPECT_EQ(socket.ErrorCode(), 0);
     const std::vector<QByteArray> expected{
-        "GET /a?b=c d HTTP/1.0\r\nAccept: */*\r\nAccept-Language: en\r\n" + host + "\r\n\r\n",
+        "GET /a?b=c%20d&e HTTP/1.0\r\nAccept: */*\r\nAccept-Language: en\r\n" + host + "\r\n\r\n",
         "POST /form HTTP/1.0\r\nAccept: */*\r\nAccept-Language: en\r\n" + host +
             "\r\nContent-type: application/x-www-form-urlencoded\r\nContent-length: 3\r\n\r\nx=1",
         // The post content has gone with its headers.
@@ -288,7 +288,7 @@ TEST(HttpAuthentication, DigestAnswerMatchesAnIndependentComputation) {
 
 TEST(HttpAuthentication, RepeatedChallengeAsksAgainUntilTheOwnerDeclines) {
     const QByteArray challenge =
-        httpResponse("HTTP/1.0 401 Unauthorized", {"WWW-Authenticate: Basic realm=\"r\""}, "stop");
+        httpResponse("HTTP/1.0 401 Unauthorized", {"WWW-Authenticate: basic realm=\"r\""}, "stop");
     ScriptedServer server({respond(challenge)});
     HTTPSocket socket;
     Events events(socket);
@@ -407,17 +407,42 @@ TEST(HttpDownloadFile, BlockingDownloadReplacesTheFileWithTheBody) {
     EXPECT_TRUE(written.readAll() == body);
 }
 
-TEST(HttpBlocking, YieldDecidesWhetherApplicationEventsRunDuringTheWait) {
+TEST(HttpRefusal, LineBreaksBlanksAndBadPortsNeverReachTheNetwork) {
     ScriptedServer server({respond(kOk)});
-    for (const bool yield : {false, true}) {
+    const QByteArray at = "http://127.0.0.1:" + QByteArray::number(server.port());
+    const auto expectRefused = [](const QByteArray& url, const QByteArray& name = {},
+                                  const QByteArray& value = {}) {
         HTTPSocket socket;
-        socket.Yield = yield;
-        bool ran = false;
-        QTimer::singleShot(0, [&ran] { ran = true; });
-        EXPECT_EQ(socket.Get(url(server, "/"), 5), "ok");
-        EXPECT_EQ(ran, yield);
-        QCoreApplication::processEvents();
-    }
+        socket.SetRequestHeader(name, value);
+        EXPECT_EQ(socket.Get(QString::fromUtf8(url), 5), "") << url.constData() << name.constData();
+        EXPECT_EQ(socket.ErrorCode(), HTTPSocket::kRefused) << url.constData() << name.constData();
+    };
+    for (const QByteArray& bad : {at + "/a\r\nX-Injected: 1", at + "/a b", at + "/a\tb",
+                                  QByteArray("http://127.0.0.1\x7f:80/"), QByteArray("http://127.0.0.1:-1/"),
+                                  "http://127.0.0.1:" + QByteArray::number(server.port() + 65536) + "/"})
+        expectRefused(bad);
+    expectRefused(at + "/", "X-A", "b\r\nX-Injected: 1");
+    expectRefused(at + "/", "X-A\nX-B", "c");
+    // The blocking forms wait only off the GUI thread.
+    QMetaObject::invokeMethod(
+        qApp, [&] { expectRefused(at + "/"); }, Qt::BlockingQueuedConnection);
+    HTTPSocket socket;
+    EXPECT_EQ(socket.Get(url(server, "/sent"), 5), "ok");
+    ASSERT_EQ(server.requests().size(), 1u);
+    EXPECT_TRUE(server.requests()[0].startsWith("GET /sent "));
+}
+
+// The timeout measures silence: neither the kernel's SYN retry nor a body that trickles in for longer
+// than the timeout ends the call.
+TEST(HttpBlocking, SlowConnectionAndSlowBodyStayWithinTheTimeout) {
+    ScriptedServer server({[](ScriptedConnection& connection, const QByteArray&) {
+                              connection.send("HTTP/1.0 200 OK\r\n\r\n");
+                              connection.sendInPieces("0123456789", 1, 300ms);
+                          }},
+                          ScriptedServer::DropFirstSyn);
+    HTTPSocket socket;
+    EXPECT_EQ(socket.Get(url(server, "/"), 2), "0123456789");
+    EXPECT_EQ(socket.ErrorCode(), 0);
 }
 
 } // namespace

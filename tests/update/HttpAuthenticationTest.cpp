@@ -52,10 +52,12 @@ TEST(AuthenticationBasic, Base64OfNameAndPasswordWrappedAt76) {
     EXPECT_EQ(value, "Basic " + encoded.left(76) + "\r\n" + encoded.mid(76));
 }
 
-TEST(AuthenticationScheme, UnknownSchemeGivesNothing) {
+TEST(AuthenticationScheme, SchemeNamesIgnoreLetterCase) {
     NonceCounts nonces;
+    for (const char* basic : {"basic", "BASIC", "bAsIc"})
+        EXPECT_EQ(createAuthenticationData(basic, "a", "b", {}, nonces), "Basic YTpi") << basic;
+    EXPECT_TRUE(createAuthenticationData("DIGEST", "a", "b", {}, nonces).startsWith("Digest username=\"a\""));
     EXPECT_EQ(createAuthenticationData("", "a", "b", {}, nonces), "");
-    EXPECT_EQ(createAuthenticationData("basic", "a", "b", {}, nonces), "");
     EXPECT_EQ(createAuthenticationData("NTLM", "a", "b", {}, nonces), "");
 }
 

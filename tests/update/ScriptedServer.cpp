@@ -1,6 +1,7 @@
 #include "ScriptedServer.h"
 
 #include <QByteArrayList>
+#include <QFile>
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -19,6 +20,20 @@ qsizetype contentLengthOf(const QByteArray& head) {
         return 0;
     const qsizetype end = lower.indexOf('\r', at + 1);
     return lower.mid(at + 16, end - at - 16).trimmed().toLongLong();
+}
+
+// Whether a client's connection to the port waits in SYN_SENT.
+bool synSentTo(int port) {
+    QFile table("/proc/net/tcp");
+    if (!table.open(QIODevice::ReadOnly))
+        return true;
+    const QByteArray remote = ':' + QByteArray::number(port, 16).toUpper().rightJustified(4, '0');
+    for (const QByteArray& line : table.readAll().split('\n')) {
+        const QList<QByteArray> fields = line.simplified().split(' ');
+        if (fields.size() > 3 && fields[2].endsWith(remote) && fields[3] == "02")
+            return true;
+    }
+    return false;
 }
 
 } // namespace
@@ -64,7 +79,7 @@ void ScriptedConnection::waitForClientClose() {
     }
 }
 
-ScriptedServer::ScriptedServer(std::vector<Script> scripts)
+ScriptedServer::ScriptedServer(std::vector<Script> scripts, Accept accept)
     : m_scripts(std::move(scripts)) {
     m_listenFd = ::socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address{};
@@ -72,10 +87,15 @@ ScriptedServer::ScriptedServer(std::vector<Script> scripts)
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t length = sizeof address;
     if (::bind(m_listenFd, reinterpret_cast<sockaddr*>(&address), length) != 0 ||
-        ::listen(m_listenFd, 8) != 0 ||
+        ::listen(m_listenFd, accept == DropFirstSyn ? 0 : 8) != 0 ||
         ::getsockname(m_listenFd, reinterpret_cast<sockaddr*>(&address), &length) != 0)
         throw std::runtime_error("scripted server: cannot listen on loopback");
     m_port = ntohs(address.sin_port);
+    if (accept == DropFirstSyn) {
+        m_fillerFd = ::socket(AF_INET, SOCK_STREAM, 0);
+        if (::connect(m_fillerFd, reinterpret_cast<sockaddr*>(&address), length) != 0)
+            throw std::runtime_error("scripted server: cannot fill the accept queue");
+    }
     m_thread = std::thread(&ScriptedServer::run, this);
 }
 
@@ -86,6 +106,8 @@ ScriptedServer::~ScriptedServer() {
         ::shutdown(fd, SHUT_RDWR);
     m_thread.join();
     ::close(m_listenFd);
+    if (m_fillerFd >= 0)
+        ::close(m_fillerFd);
 }
 
 QByteArray ScriptedServer::url(const QByteArray& path) const {
@@ -98,6 +120,11 @@ std::vector<QByteArray> ScriptedServer::requests() const {
 }
 
 void ScriptedServer::run() {
+    if (m_fillerFd >= 0) {
+        while (!synSentTo(m_port) && !m_stopping)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        ::close(::accept(m_listenFd, nullptr, nullptr));
+    }
     for (std::size_t index = 0; !m_stopping; ++index) {
         const int fd = ::accept(m_listenFd, nullptr, nullptr);
         if (fd < 0)

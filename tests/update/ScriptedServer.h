@@ -35,8 +35,11 @@ private:
 class ScriptedServer {
 public:
     using Script = std::function<void(ScriptedConnection&, const QByteArray& request)>;
+    // DropFirstSyn keeps the accept queue full until a client's first SYN has been dropped, so that
+    // the connection stands only after the kernel's retry, about a second later.
+    enum Accept { AcceptAtOnce, DropFirstSyn };
 
-    explicit ScriptedServer(std::vector<Script> scripts);
+    explicit ScriptedServer(std::vector<Script> scripts, Accept accept = AcceptAtOnce);
     ~ScriptedServer();
     ScriptedServer(const ScriptedServer&) = delete;
     ScriptedServer& operator=(const ScriptedServer&) = delete;
@@ -52,6 +55,7 @@ private:
 
     std::vector<Script> m_scripts;
     int m_listenFd = -1;
+    int m_fillerFd = -1; // the connection that fills the accept queue
     int m_port = 0;
     std::atomic<int> m_connectionFd{-1};
     std::atomic<bool> m_stopping{false};

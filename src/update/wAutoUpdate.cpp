@@ -1,0 +1,96 @@
+#include "update/wAutoUpdate.h"
+
+#include "base/NilObjectException.h"
+#include "base/UnhandledException.h"
+#include "update/cAutoUpdate.h"
+
+#include <QLabel>
+#include <QLocale>
+#include <QProgressBar>
+#include <QPushButton>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+
+namespace {
+QLabel* makeText(QWidget* parent, const char* name, QRect frame, bool bold) {
+    auto* label = new QLabel(parent);
+    label->setObjectName(name);
+    label->setGeometry(frame);
+    QFont font = label->font();
+    font.setBold(bold);
+    label->setFont(font);
+    return label;
+}
+
+// Megabytes of 1,048,576 bytes, rounded to two decimals, in the shortest form.
+QString megabytes(qint64 bytes) {
+    const double rounded = std::round(static_cast<double>(bytes) / 1048576 * 100) / 100;
+    return QString::number(rounded, 'g', QLocale::FloatingPointShortest);
+}
+
+// "1.5MB of 3 MB", with no blank in front of the first "MB".
+QString fDownloadFigures(qint64 bytesReceived, qint64 totalBytes) {
+    return megabytes(bytesReceived) + "MB of " + megabytes(totalBytes) + " MB";
+}
+
+int clampedToInt(qint64 value) {
+    return static_cast<int>(std::clamp<qint64>(value, 0, INT_MAX));
+}
+} // namespace
+
+wAutoUpdate* wAutoUpdate::instance() {
+    return singleWindow<wAutoUpdate>();
+}
+
+wAutoUpdate::wAutoUpdate()
+    : DialogWindow("Downloading ...", QSize(400, 160))
+    , pbDownload(new QProgressBar(this))
+    , stTitle(makeText(this, "stTitle", {20, 38, 360, 20}, true))
+    , stProgress(makeText(this, "stProgress", {20, 92, 360, 20}, false))
+    , btnCancel(new QPushButton("Cancel", this)) {
+    setWindowFlag(Qt::WindowMinimizeButtonHint);
+    pbDownload->setObjectName("pbDownload");
+    pbDownload->setGeometry(20, 70, 360, 20);
+    pbDownload->setRange(0, 100);
+    pbDownload->setValue(0);
+    pbDownload->setTextVisible(false);
+    btnCancel->setObjectName("btnCancel");
+    btnCancel->setGeometry(300, 124, 80, 20);
+    btnCancel->setAutoDefault(false);
+    connect(btnCancel, &QPushButton::clicked, this, &wAutoUpdate::btnCancel_Action);
+}
+
+wAutoUpdate::~wAutoUpdate() {
+    if (Updater)
+        Updater->Release();
+}
+
+void wAutoUpdate::Event_Open() {
+    show();
+}
+
+void wAutoUpdate::Associate(cAutoUpdate* updater) {
+    Updater = updater;
+}
+
+void wAutoUpdate::setTitle(const QString& text) {
+    stTitle->setText(text);
+}
+
+void wAutoUpdate::showProgress(qint64 bytesReceived, qint64 totalBytes) {
+    pbDownload->setMaximum(clampedToInt(totalBytes));
+    pbDownload->setValue(clampedToInt(bytesReceived));
+    stProgress->setText(fDownloadFigures(bytesReceived, totalBytes));
+}
+
+// What was written so far stays on disk under the chosen name.
+void wAutoUpdate::btnCancel_Action() {
+    runGuarded([this] {
+        if (!Updater)
+            throw NilObjectException("wAutoUpdate.Updater");
+        Updater->Close();
+        close();
+    });
+}
