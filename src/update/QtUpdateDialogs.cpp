@@ -13,8 +13,9 @@ void QtUpdateDialogs::ask(QWidget* parent, const UpdateQuestion& question,
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setInformativeText(question.explanation);
     QPushButton* action = box->addButton(question.actionCaption, QMessageBox::AcceptRole);
-    if (!question.cancelCaption.isEmpty())
+    if (!question.cancelCaption.isEmpty()) {
         box->addButton(question.cancelCaption, QMessageBox::RejectRole);
+    }
     box->setDefaultButton(action);
     QObject::connect(box, &QMessageBox::finished, box, [box, action, answered = std::move(answered)] {
         runGuarded([&] { answered(box->clickedButton() == action); });
@@ -32,8 +33,9 @@ void QtUpdateDialogs::chooseSaveFile(QWidget* parent, const SaveFileRequest& req
                      [dialog, chosen = std::move(chosen)](int result) {
                          const QStringList files = dialog->selectedFiles();
                          std::optional<QString> file;
-                         if (result == QDialog::Accepted && !files.isEmpty())
+                         if (result == QDialog::Accepted && !files.isEmpty()) {
                              file = files.first();
+                         }
                          runGuarded([&] { chosen(file); });
                      });
     dialog->open();

@@ -80,8 +80,9 @@ void cAutoUpdate::tell(const UpdateQuestion& question) {
         return;
     }
     updateDialogs().ask(m_parent, question, [self = QPointer(this)](bool) {
-        if (self)
+        if (self) {
             self->endCheck();
+        }
     });
 }
 
@@ -93,8 +94,9 @@ void cAutoUpdate::offerDownload(const QString& page) {
                                UpdateName + "\nVersion: " + UpdateVersion + "\n\n" + UpdateDescription,
                                "Download Now", "Cancel"};
     updateDialogs().ask(m_parent, offer, [self = QPointer(this)](bool download) {
-        if (!self)
+        if (!self) {
             return;
+        }
         if (!download) {
             self->endCheck();
             return;
@@ -102,16 +104,18 @@ void cAutoUpdate::offerDownload(const QString& page) {
         const SaveFileRequest where{QStandardPaths::writableLocation(QStandardPaths::DesktopLocation),
                                     "Select the Save Location", self->m_key + ".zip"};
         updateDialogs().chooseSaveFile(self->m_parent, where, [self](const std::optional<QString>& file) {
-            if (self)
+            if (self) {
                 self->saveAsChosen(file);
+            }
         });
     });
 }
 
 void cAutoUpdate::saveAsChosen(const std::optional<QString>& file) {
     SaveItem = file;
-    if (SaveItem)
+    if (SaveItem) {
         Update(*SaveItem);
+    }
     endCheck();
 }
 
@@ -152,6 +156,7 @@ void cAutoUpdate::Event_DownloadComplete() {
 }
 
 void cAutoUpdate::goIfDone() {
-    if (!m_checking && !m_heldByWindow && !IsBusy())
+    if (!m_checking && !m_heldByWindow && !IsBusy()) {
         deleteLater();
+    }
 }

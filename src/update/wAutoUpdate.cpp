@@ -63,8 +63,9 @@ wAutoUpdate::wAutoUpdate()
 }
 
 wAutoUpdate::~wAutoUpdate() {
-    if (Updater)
+    if (Updater) {
         Updater->Release();
+    }
 }
 
 void wAutoUpdate::Event_Open() {
@@ -88,8 +89,9 @@ void wAutoUpdate::showProgress(qint64 bytesReceived, qint64 totalBytes) {
 // What was written so far stays on disk under the chosen name.
 void wAutoUpdate::btnCancel_Action() {
     runGuarded([this] {
-        if (!Updater)
+        if (!Updater) {
             throw NilObjectException("wAutoUpdate.Updater");
+        }
         Updater->Close();
         close();
     });

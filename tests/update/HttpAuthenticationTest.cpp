@@ -54,8 +54,9 @@ TEST(AuthenticationBasic, Base64OfNameAndPasswordWrappedAt76) {
 
 TEST(AuthenticationScheme, SchemeNamesIgnoreLetterCase) {
     NonceCounts nonces;
-    for (const char* basic : {"basic", "BASIC", "bAsIc"})
+    for (const char* basic : {"basic", "BASIC", "bAsIc"}) {
         EXPECT_EQ(createAuthenticationData(basic, "a", "b", {}, nonces), "Basic YTpi") << basic;
+    }
     EXPECT_TRUE(createAuthenticationData("DIGEST", "a", "b", {}, nonces).startsWith("Digest username=\"a\""));
     EXPECT_EQ(createAuthenticationData("", "a", "b", {}, nonces), "");
     EXPECT_EQ(createAuthenticationData("NTLM", "a", "b", {}, nonces), "");
@@ -82,8 +83,9 @@ TEST(AuthenticationDigest, CountStaysOneAndNoOpaqueEndsInCommaBlank) {
     NonceCounts nonces;
     const AuthenticationParams params{{"nonce", "n1"}};
     QByteArray value;
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i) {
         value = createAuthenticationData("Digest", "u", "p", params, nonces);
+    }
     EXPECT_NE(value.indexOf(", nc=00000001, "), -1) << value.constData();
     EXPECT_TRUE(value.endsWith("\", ")) << value.constData();
     EXPECT_NE(value.indexOf(R"(realm="", nonce="n1", uri="/", )"), -1) << value.constData();
@@ -108,8 +110,9 @@ TEST(AuthenticationNonce, TwentyFiveLettersAndDigitsFromTheWholeRange) {
 
     const QByteArray random = createClientNonce();
     ASSERT_EQ(random.size(), 25);
-    for (const char c : random)
+    for (const char c : random) {
         EXPECT_TRUE(std::isalnum(static_cast<unsigned char>(c))) << c;
+    }
 }
 
 } // namespace

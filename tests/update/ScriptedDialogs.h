@@ -16,8 +16,9 @@ public:
     void ask(QWidget*, const UpdateQuestion& q, std::function<void(bool)> answered) override {
         asked.append(q.message + '|' + q.explanation + '|' + q.actionCaption + '|' + q.cancelCaption);
         m_answer = std::move(answered);
-        if (!buttons.empty())
+        if (!buttons.empty()) {
             answer(buttons.front()), buttons.pop_front();
+        }
     }
     void chooseSaveFile(QWidget*, const SaveFileRequest& r,
                         std::function<void(std::optional<QString>)> chosen) override {

@@ -16,8 +16,9 @@ namespace {
 qsizetype contentLengthOf(const QByteArray& head) {
     const QByteArray lower = head.toLower();
     const qsizetype at = lower.indexOf("\ncontent-length:");
-    if (at < 0)
+    if (at < 0) {
         return 0;
+    }
     const qsizetype end = lower.indexOf('\r', at + 1);
     return lower.mid(at + 16, end - at - 16).trimmed().toLongLong();
 }
@@ -25,13 +26,15 @@ qsizetype contentLengthOf(const QByteArray& head) {
 // Whether a client's connection to the port waits in SYN_SENT.
 bool synSentTo(int port) {
     QFile table("/proc/net/tcp");
-    if (!table.open(QIODevice::ReadOnly))
+    if (!table.open(QIODevice::ReadOnly)) {
         return true;
+    }
     const QByteArray remote = ':' + QByteArray::number(port, 16).toUpper().rightJustified(4, '0');
     for (const QByteArray& line : table.readAll().split('\n')) {
         const QList<QByteArray> fields = line.simplified().split(' ');
-        if (fields.size() > 3 && fields[2].endsWith(remote) && fields[3] == "02")
+        if (fields.size() > 3 && fields[2].endsWith(remote) && fields[3] == "02") {
             return true;
+        }
     }
     return false;
 }
@@ -44,11 +47,13 @@ QByteArray ScriptedConnection::readRequest() {
     qsizetype headEnd = -1;
     while (true) {
         headEnd = received.indexOf("\r\n\r\n");
-        if (headEnd >= 0 && received.size() >= headEnd + 4 + contentLengthOf(received.left(headEnd)))
+        if (headEnd >= 0 && received.size() >= headEnd + 4 + contentLengthOf(received.left(headEnd))) {
             return received;
+        }
         const ssize_t n = ::recv(m_fd, chunk, sizeof chunk, 0);
-        if (n <= 0)
+        if (n <= 0) {
             return received;
+        }
         received.append(chunk, n);
     }
 }
@@ -56,8 +61,9 @@ QByteArray ScriptedConnection::readRequest() {
 bool ScriptedConnection::send(QByteArrayView bytes) {
     while (!bytes.isEmpty()) {
         const ssize_t n = ::send(m_fd, bytes.data(), static_cast<size_t>(bytes.size()), MSG_NOSIGNAL);
-        if (n <= 0)
+        if (n <= 0) {
             return false;
+        }
         bytes = bytes.sliced(n);
     }
     return true;
@@ -66,8 +72,9 @@ bool ScriptedConnection::send(QByteArrayView bytes) {
 bool ScriptedConnection::sendInPieces(QByteArrayView bytes, qsizetype pieceSize,
                                       std::chrono::microseconds pause) {
     for (qsizetype at = 0; at < bytes.size(); at += pieceSize) {
-        if (!send(bytes.sliced(at, std::min(pieceSize, bytes.size() - at))))
+        if (!send(bytes.sliced(at, std::min(pieceSize, bytes.size() - at)))) {
             return false;
+        }
         std::this_thread::sleep_for(pause);
     }
     return true;
@@ -88,13 +95,15 @@ ScriptedServer::ScriptedServer(std::vector<Script> scripts, Accept accept)
     socklen_t length = sizeof address;
     if (::bind(m_listenFd, reinterpret_cast<sockaddr*>(&address), length) != 0 ||
         ::listen(m_listenFd, accept == DropFirstSyn ? 0 : 8) != 0 ||
-        ::getsockname(m_listenFd, reinterpret_cast<sockaddr*>(&address), &length) != 0)
+        ::getsockname(m_listenFd, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
         throw std::runtime_error("scripted server: cannot listen on loopback");
+    }
     m_port = ntohs(address.sin_port);
     if (accept == DropFirstSyn) {
         m_fillerFd = ::socket(AF_INET, SOCK_STREAM, 0);
-        if (::connect(m_fillerFd, reinterpret_cast<sockaddr*>(&address), length) != 0)
+        if (::connect(m_fillerFd, reinterpret_cast<sockaddr*>(&address), length) != 0) {
             throw std::runtime_error("scripted server: cannot fill the accept queue");
+        }
     }
     m_thread = std::thread(&ScriptedServer::run, this);
 }
@@ -102,12 +111,14 @@ ScriptedServer::ScriptedServer(std::vector<Script> scripts, Accept accept)
 ScriptedServer::~ScriptedServer() {
     m_stopping = true;
     ::shutdown(m_listenFd, SHUT_RDWR);
-    if (const int fd = m_connectionFd.load(); fd >= 0)
+    if (const int fd = m_connectionFd.load(); fd >= 0) {
         ::shutdown(fd, SHUT_RDWR);
+    }
     m_thread.join();
     ::close(m_listenFd);
-    if (m_fillerFd >= 0)
+    if (m_fillerFd >= 0) {
         ::close(m_fillerFd);
+    }
 }
 
 QByteArray ScriptedServer::url(const QByteArray& path) const {
@@ -121,19 +132,22 @@ std::vector<QByteArray> ScriptedServer::requests() const {
 
 void ScriptedServer::run() {
     if (m_fillerFd >= 0) {
-        while (!synSentTo(m_port) && !m_stopping)
+        while (!synSentTo(m_port) && !m_stopping) {
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
         ::close(::accept(m_listenFd, nullptr, nullptr));
     }
     for (std::size_t index = 0; !m_stopping; ++index) {
         const int fd = ::accept(m_listenFd, nullptr, nullptr);
-        if (fd < 0)
+        if (fd < 0) {
             return;
+        }
         const int on = 1;
         ::setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
         m_connectionFd = fd;
-        if (m_stopping)
+        if (m_stopping) {
             ::shutdown(fd, SHUT_RDWR);
+        }
         ScriptedConnection connection(fd);
         const QByteArray request = connection.readRequest();
         {
@@ -150,7 +164,8 @@ void ScriptedServer::run() {
 QByteArray httpResponse(const QByteArray& statusLine, const QByteArrayList& headers, const QByteArray& body,
                         const QByteArray& eol) {
     QByteArray response = statusLine + eol;
-    for (const QByteArray& header : headers)
+    for (const QByteArray& header : headers) {
         response += header + eol;
+    }
     return response + eol + body;
 }

@@ -39,8 +39,9 @@ QString labelOf(const QObject* window, const char* label) {
 // A label of the download window on the screen; empty when there is none.
 QString shown(const char* label) {
     for (const QWidget* window : QApplication::topLevelWidgets()) {
-        if (qobject_cast<const wAutoUpdate*>(window) != nullptr && window->isVisible())
+        if (qobject_cast<const wAutoUpdate*>(window) != nullptr && window->isVisible()) {
             return labelOf(window, label);
+        }
     }
     return {};
 }
@@ -54,8 +55,9 @@ class ClosedWindows : public QObject {
 public:
     ClosedWindows() { qApp->installEventFilter(this); }
     bool eventFilter(QObject* object, QEvent* event) override {
-        if (event->type() == QEvent::Close && qobject_cast<wAutoUpdate*>(object) != nullptr)
+        if (event->type() == QEvent::Close && qobject_cast<wAutoUpdate*>(object) != nullptr) {
             texts.append(labelOf(object, "stTitle") + '|' + labelOf(object, "stProgress"));
+        }
         return false;
     }
     QStringList texts;
@@ -187,8 +189,9 @@ TEST_F(UpdateCheck, DownloadsCloseOnTheirLastFiguresAndErrorsWaitForCancel) {
         ASSERT_TRUE(QTest::qWaitFor(
             [&] { return !m_closed.texts.isEmpty() || shown("stTitle").startsWith("Error"); }, 20000))
             << url.constData();
-        if (m_closed.texts.isEmpty())
+        if (m_closed.texts.isEmpty()) {
             clickCancel();
+        }
         EXPECT_EQ(m_closed.texts, QStringList{closedWith});
         EXPECT_EQ(QFileInfo(file).size(), size);
     }
@@ -263,9 +266,11 @@ TEST(QtUpdateDialogsTest, ButtonsAndTheSaveDialogAnswerThroughTheirCallbacks) {
                     [&](bool action) { answers.append(action ? "action" : "cancel"); });
         QMessageBox* box = parent.findChild<QMessageBox*>();
         ASSERT_TRUE(box != nullptr && box->isVisible());
-        for (QAbstractButton* shown : box->buttons())
-            if (shown->text() == button)
+        for (QAbstractButton* shown : box->buttons()) {
+            if (shown->text() == button) {
                 shown->click();
+            }
+        }
         delete box;
     }
     QTemporaryDir dir;
