@@ -83,29 +83,29 @@ void MovieAssembly::sCreateMovie(const MovieAssemblyInput& input) {
 
 void MovieAssembly::makeMovie(const std::vector<QString>& files, const QString& target,
                               TemporaryFiles& temporaries) {
-    MovieSpec spec;
-    spec.timeScale = kTimeScale;
-    spec.effectDuration = kEffectDuration;
-    spec.stillDuration = kStillDuration;
+    MovieRequest request;
+    request.timeScale = kTimeScale;
+    request.effectDuration = kEffectDuration;
+    request.stillDuration = kStillDuration;
     for (const QString& file : files) {
         if (const std::optional<QString> copy = sMakeCopy(file)) {
             temporaries.add(*copy);
-            spec.mediaFiles.push_back(*copy);
+            request.mediaFiles.push_back(*copy);
         }
     }
-    spec.target = temporaries.make();
+    request.target = temporaries.make();
     const int lastError =
-        m_writer.Run(spec, [this](int current, int total) { emit nextFile(current, total); });
+        m_writer.Run(request, [this](int current, int total) { emit nextFile(current, total); });
     if (lastError != 0) {
         mCodeBaseStd::sDisplayWarningMessage("Error: \n" + QString::number(lastError));
         return;
     }
-    if (!m_writer.OpenAsMovie(spec.target)) {
+    if (!m_writer.OpenAsMovie(request.target)) {
         mCodeBaseStd::sDisplayWarningMessage(QStringLiteral("Failed to Create Movie File ..."));
         return;
     }
     const QString flattened = temporaries.make();
-    if (m_writer.Flatten(spec.target, flattened) != 0) {
+    if (m_writer.Flatten(request.target, flattened) != 0) {
         mCodeBaseStd::sDisplayWarningMessage(QStringLiteral("Failed to Flatten Movie ..."));
         return;
     }

@@ -30,8 +30,8 @@ protected:
         return m_dir.filePath(name);
     }
 
-    MovieSpec spec(std::vector<QString> files, const QString& target) const {
-        return MovieSpec{std::move(files), 600, 1200, 600, m_dir.filePath(target)};
+    MovieRequest request(std::vector<QString> files, const QString& target) const {
+        return MovieRequest{std::move(files), 600, 1200, 600, m_dir.filePath(target)};
     }
 
     QTemporaryDir m_dir;
@@ -44,8 +44,8 @@ bool shows(const QImage& frame, int x, int y, const QColor& expected) {
 }
 
 TEST_F(MovieWriterTest, StillsStandTwoSecondsAndWipeFromLeftToRightIntoAFastStartMovie) {
-    const MovieSpec movie =
-        spec({picture("1.jpg"), picture("2.jpg", kSecond), picture("3.jpg", kThird)}, "m.mov");
+    const MovieRequest movie =
+        request({picture("1.jpg"), picture("2.jpg", kSecond), picture("3.jpg", kThird)}, "m.mov");
     std::vector<std::pair<int, int>> progress;
     ASSERT_EQ(m_writer->Run(movie, [&](int current, int total) { progress.emplace_back(current, total); }),
               0);
@@ -81,8 +81,8 @@ TEST_F(MovieWriterTest, FailuresComeBackAsNumbersAndNoMovieOpens) {
     const QString good = picture("good.jpg", kSecond);
     const QString notJpeg = QCoreApplication::applicationFilePath();
     // No pictures, a picture that does not decode, a target in a missing folder.
-    for (const MovieSpec& movie :
-         {spec({}, "empty.mov"), spec({good, notJpeg}, "damaged.mov"), spec({good}, "missing/movie.mov")}) {
+    for (const MovieRequest& movie : {request({}, "empty.mov"), request({good, notJpeg}, "damaged.mov"),
+                                      request({good}, "missing/movie.mov")}) {
         EXPECT_LT(m_writer->Run(movie, {}), 0) << movie.target.toStdString();
         EXPECT_FALSE(m_writer->OpenAsMovie(movie.target)) << movie.target.toStdString();
     }

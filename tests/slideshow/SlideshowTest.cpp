@@ -30,7 +30,9 @@ class FailingWriter final : public MovieWriter {
 public:
     explicit FailingWriter(bool opens)
         : m_opens(opens) {}
-    int Run(const MovieSpec& spec, const NextFile& nextFile) override { return m_real->Run(spec, nextFile); }
+    int Run(const MovieRequest& request, const NextFile& nextFile) override {
+        return m_real->Run(request, nextFile);
+    }
     bool OpenAsMovie(const QString& path) override { return m_opens && m_real->OpenAsMovie(path); }
     int Flatten(const QString&, const QString&) override { return -1; }
 

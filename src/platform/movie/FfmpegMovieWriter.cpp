@@ -235,13 +235,13 @@ void composeWipe(const AVFrame& from, const AVFrame& to, int edge, AVFrame& out)
 
 class FfmpegMovieWriter final : public MovieWriter {
 public:
-    int Run(const MovieSpec& spec, const NextFile& nextFile) override {
-        if (spec.mediaFiles.empty() || spec.timeScale < 1 || spec.stillDuration < 0 ||
-            spec.effectDuration < 0) {
+    int Run(const MovieRequest& request, const NextFile& nextFile) override {
+        if (request.mediaFiles.empty() || request.timeScale < 1 || request.stillDuration < 0 ||
+            request.effectDuration < 0) {
             return -EINVAL;
         }
         try {
-            writeMovie(spec, nextFile);
+            writeMovie(request, nextFile);
             return 0;
         } catch (const Failure& failure) {
             return failure.code;
@@ -267,31 +267,31 @@ public:
     }
 
 private:
-    static void writeMovie(const MovieSpec& spec, const NextFile& nextFile) {
+    static void writeMovie(const MovieRequest& request, const NextFile& nextFile) {
         Converter converter;
         std::optional<MovieOutput> output;
         FramePtr previous;
         FramePtr scratch;
         std::int64_t pts = 0;
-        const int total = int(spec.mediaFiles.size());
+        const int total = int(request.mediaFiles.size());
         for (int index = 0; index < total; ++index) {
-            const std::optional<JpegPicture> decoded = readJpeg(spec.mediaFiles[std::size_t(index)]);
+            const std::optional<JpegPicture> decoded = readJpeg(request.mediaFiles[std::size_t(index)]);
             if (!decoded) {
                 throw Failure{-EIO};
             }
             const Picture* picture = &decoded->pixels;
             if (!output) {
                 // yuv420p wants even sides; the movie takes its size from the first picture.
-                output.emplace(spec.target, picture->width & ~1, picture->height & ~1, spec.timeScale);
+                output.emplace(request.target, picture->width & ~1, picture->height & ~1, request.timeScale);
                 scratch = newFrame(picture->width & ~1, picture->height & ~1);
             }
             FramePtr current = converter.toFrame(*picture, scratch->width, scratch->height);
             if (previous) {
-                writeWipe(*output, *previous, *current, *scratch, pts, spec);
-                pts += spec.effectDuration;
+                writeWipe(*output, *previous, *current, *scratch, pts, request);
+                pts += request.effectDuration;
             }
             output->write(*current, pts, true);
-            pts += spec.stillDuration;
+            pts += request.stillDuration;
             previous = std::move(current);
             if (nextFile) {
                 nextFile(index + 1, total);
@@ -303,13 +303,13 @@ private:
     // The frames strictly between the two stills; the wipe's first frame would repeat the still
     // before it, and its last is the next still.
     static void writeWipe(MovieOutput& output, const AVFrame& from, const AVFrame& to, AVFrame& scratch,
-                          std::int64_t start, const MovieSpec& spec) {
+                          std::int64_t start, const MovieRequest& request) {
         const int steps = std::max(
-            1, int(std::lround(double(spec.effectDuration) * kWipeFramesPerSecond / spec.timeScale)));
+            1, int(std::lround(double(request.effectDuration) * kWipeFramesPerSecond / request.timeScale)));
         for (int step = 1; step < steps; ++step) {
             check(av_frame_make_writable(&scratch));
             composeWipe(from, to, (from.width * step / steps) & ~1, scratch);
-            output.write(scratch, start + std::int64_t(spec.effectDuration) * step / steps, false);
+            output.write(scratch, start + std::int64_t(request.effectDuration) * step / steps, false);
         }
     }
 

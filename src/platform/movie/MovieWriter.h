@@ -10,7 +10,7 @@
 // stands still for stillDuration, then the next one wipes over it from left to right within
 // effectDuration; the last picture has no wipe after it, so n pictures last
 // n * stillDuration + (n - 1) * effectDuration.
-struct MovieSpec {
+struct MovieRequest {
     std::vector<QString> mediaFiles; // JPEG files, all of the movie's frame size
     int timeScale = 0;
     int stillDuration = 0;
@@ -28,8 +28,8 @@ public:
 
     virtual ~MovieWriter() = default;
 
-    // Writes the movie to spec.target, replacing what is there; blocks until it is done.
-    virtual int Run(const MovieSpec& spec, const NextFile& nextFile) = 0;
+    // Writes the movie to request.target, replacing what is there; blocks until it is done.
+    virtual int Run(const MovieRequest& request, const NextFile& nextFile) = 0;
     // Whether the file opens as a movie with a picture track.
     virtual bool OpenAsMovie(const QString& path) = 0;
     // Writes a copy of the movie with its index in front, so that a player can start before the

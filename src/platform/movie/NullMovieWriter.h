@@ -7,7 +7,7 @@
 // Stands in where no movie back end can run: every movie fails with -ENOSYS.
 class NullMovieWriter final : public MovieWriter {
 public:
-    int Run(const MovieSpec&, const NextFile&) override { return -ENOSYS; }
+    int Run(const MovieRequest&, const NextFile&) override { return -ENOSYS; }
     bool OpenAsMovie(const QString&) override { return false; }
     int Flatten(const QString&, const QString&) override { return -ENOSYS; }
 };
