@@ -55,23 +55,26 @@ HTTPSocket::~HTTPSocket() {
 }
 
 std::optional<InternetHeaders> HTTPSocket::PageHeaders() const {
-    if (!_pageHeaders || _pageHeaders->Count() == 0)
+    if (!_pageHeaders || _pageHeaders->Count() == 0) {
         return std::nullopt;
+    }
     return _pageHeaders;
 }
 
 QByteArray HTTPSocket::EncodeFormData(const FormData& form) {
     QByteArray encoded;
-    for (const auto& [key, value] : form)
+    for (const auto& [key, value] : form) {
         encoded += '&' + encodeUrlString(key) + '=' + encodeUrlString(value);
+    }
     return encoded.mid(1);
 }
 
 void HTTPSocket::SetFormData(const std::optional<FormData>& form) {
-    if (form)
+    if (form) {
         SetPostContent(EncodeFormData(*form), "application/x-www-form-urlencoded");
-    else
+    } else {
         SetPostContent({}, {});
+    }
 }
 
 void HTTPSocket::SetPostContent(const QByteArray& content, const QByteArray& contentType) {
@@ -80,10 +83,11 @@ void HTTPSocket::SetPostContent(const QByteArray& content, const QByteArray& con
 }
 
 void HTTPSocket::SetRequestHeader(const QByteArray& name, const QByteArray& value) {
-    if (value.isEmpty())
+    if (value.isEmpty()) {
         requestHeaders.Delete(name);
-    else
+    } else {
         requestHeaders.SetHeader(name, value);
+    }
 }
 
 void HTTPSocket::SendRequest(const QByteArray& method, const QString& url) {
@@ -149,8 +153,9 @@ void HTTPSocket::_DoConnect(const QString& url, const QByteArray& action, std::o
     m_address = parsed.address;
     m_port = parsed.port;
     _processingURL = url;
-    if (!_SetDownloadFile(file))
+    if (!_SetDownloadFile(file)) {
         return;
+    }
     if (!HTTPProxyAddress.isEmpty()) {
         m_address = HTTPProxyAddress.toUtf8();
         m_port = HTTPProxyPort == 0 ? DefaultPort : HTTPProxyPort;
@@ -162,8 +167,9 @@ void HTTPSocket::_DoConnect(const QString& url, const QByteArray& action, std::o
 
 bool HTTPSocket::_SetDownloadFile(const std::optional<QString>& file) {
     _KillDownloadStream();
-    if (!file)
+    if (!file) {
         return true;
+    }
     if (QFileInfo(*file).isDir()) {
         SetError(1);
         return false;
@@ -197,21 +203,26 @@ void HTTPSocket::Event_Connected() {
     _connectionValid = true;
     _ResetVariables();
     const quint64 exchange = m_exchange;
-    if (!synchronous)
+    if (!synchronous) {
         emit Connected();
-    if (exchange != m_exchange)
+    }
+    if (exchange != m_exchange) {
         return;
-    if (_httpAction.isEmpty())
+    }
+    if (_httpAction.isEmpty()) {
         _httpAction = "GET";
+    }
     _SendRequest(_httpAction);
 }
 
 void HTTPSocket::_SendRequest(const QByteArray& action) {
     requestHeaders.SetHeader("Host", _server);
-    if (!_authenticationKey.isEmpty())
+    if (!_authenticationKey.isEmpty()) {
         SetRequestHeader("Authorization", _authenticationKey);
-    if (!_proxyAuthenticationKey.isEmpty())
+    }
+    if (!_proxyAuthenticationKey.isEmpty()) {
         SetRequestHeader("Proxy-Authorization", _proxyAuthenticationKey);
+    }
     if (!sameText(action, "POST")) {
         _postContent.clear();
         _postContentType.clear();
@@ -222,8 +233,9 @@ void HTTPSocket::_SendRequest(const QByteArray& action) {
         requestHeaders.SetHeader("Content-length", QByteArray::number(_postContent.size()));
     }
     // Through a proxy the request line holds the whole URL.
-    if (!HTTPProxyAddress.isEmpty())
+    if (!HTTPProxyAddress.isEmpty()) {
         _path = _processingURL.toUtf8();
+    }
 
     QByteArray request = action + ' ' + _path + " HTTP/1.0\r\n" + requestHeaders._FormatHTTPHeaders();
     // A key answers one challenge and serves for exactly one request.
@@ -240,8 +252,9 @@ void HTTPSocket::_SendRequest(const QByteArray& action) {
 }
 
 void HTTPSocket::_HandleNewData() {
-    if (threadProtection)
+    if (threadProtection) {
         return;
+    }
     const FlagGuard guard(threadProtection);
     if (_pageHeaders) {
         _ProcessData(m_socket->readAll());
@@ -252,8 +265,9 @@ void HTTPSocket::_HandleNewData() {
     const std::optional<HeaderBlockEnd> end = findHeaderBlockEnd(buffer);
     if (!end) {
         // The blank line may still come, but no longer within the limit.
-        if (buffer.size() - 3 > kMaxHeaderBlockBytes)
+        if (buffer.size() - 3 > kMaxHeaderBlockBytes) {
             failExchange(-2);
+        }
         return;
     }
     if (end->length > kMaxHeaderBlockBytes) {
@@ -268,12 +282,15 @@ void HTTPSocket::_HandleNewData() {
         _DoConnect(_processingURL, _httpAction, _downloadFile);
         return;
     }
-    if (exchange != m_exchange)
+    if (exchange != m_exchange) {
         return;
-    if (!synchronous)
+    }
+    if (!synchronous) {
         emit HeadersReceived(*_pageHeaders, _httpStatusCode);
-    if (exchange != m_exchange)
+    }
+    if (exchange != m_exchange) {
         return;
+    }
     m_socket->read(2 * end->eolLength);
     _ProcessData(m_socket->readAll());
 }
@@ -282,13 +299,15 @@ void HTTPSocket::_ParseHeaders(const QByteArray& block) {
     _pageHeaders.emplace();
     _httpStatusCode = statusCodeOf(block);
     _pageHeaders->_ParseHeaders(block);
-    if (_pageHeaders->NameCount("Content-length") > 0)
+    if (_pageHeaders->NameCount("Content-length") > 0) {
         _totalLength = leadingInt32(_pageHeaders->Value("Content-length"));
+    }
 }
 
 void HTTPSocket::_ProcessData(const QByteArray& data) {
-    if (sameText(_httpAction, "HEAD"))
+    if (sameText(_httpAction, "HEAD")) {
         return;
+    }
     _currentLength += data.size();
     if (!_downloadStream) {
         if (_pageBuffer.size() + data.size() > kMaxPageBytes) {
@@ -301,56 +320,66 @@ void HTTPSocket::_ProcessData(const QByteArray& data) {
         return;
     }
     const quint64 exchange = m_exchange;
-    if (!synchronous)
+    if (!synchronous) {
         emit ReceiveProgress(_currentLength, _totalLength, data);
-    if (exchange != m_exchange)
+    }
+    if (exchange != m_exchange) {
         return;
-    if ((_httpStatusCode == 401 || _httpStatusCode == 407) && !IsConnected())
+    }
+    if ((_httpStatusCode == 401 || _httpStatusCode == 407) && !IsConnected()) {
         _ProcessPage();
+    }
 }
 
 void HTTPSocket::onSocketError() {
     // A connected socket ends through disconnected, which follows every error it meets.
-    if (!_connectionValid)
+    if (!_connectionValid) {
         Event_Error();
+    }
 }
 
 void HTTPSocket::onSocketDisconnected() {
-    if (_connectionValid)
+    if (_connectionValid) {
         Event_Error();
+    }
 }
 
 void HTTPSocket::Event_Error() {
     const bool wasValid = std::exchange(_connectionValid, false);
-    if (!wasValid)
+    if (!wasValid) {
         SetError(kSocketErrorBase + m_socket->error());
-    else if (m_socket->bytesAvailable() == 0)
+    } else if (m_socket->bytesAvailable() == 0) {
         _ProcessPage();
-    else
+    } else {
         _HandleNewData();
+    }
 }
 
 void HTTPSocket::_ProcessPage() {
-    if (_pageComplete)
+    if (_pageComplete) {
         return;
+    }
     _pageComplete = true;
     const bool toFile = _downloadStream != nullptr;
     const std::optional<QString> file = _downloadFile;
     _KillDownloadStream();
-    if (sameText(_httpAction, "HEAD") || synchronous)
+    if (sameText(_httpAction, "HEAD") || synchronous) {
         return;
+    }
     static const InternetHeaders kNoHeaders;
     const InternetHeaders& headers = _pageHeaders ? *_pageHeaders : kNoHeaders;
-    if (toFile)
+    if (toFile) {
         emit DownloadComplete(_processingURL, _httpStatusCode, headers, *file);
-    else
+    } else {
         emit PageReceived(_processingURL, _httpStatusCode, headers, _pageBuffer);
+    }
 }
 
 void HTTPSocket::SetError(int code) {
     mErrorCode = code;
-    if (!synchronous)
+    if (!synchronous) {
         emit Error(code);
+    }
 }
 
 void HTTPSocket::failExchange(int code) {
@@ -385,8 +414,9 @@ void HTTPSocket::WaitForPage() {
     qsizetype seenLength = 0;
     while (!_pageComplete && mErrorCode == 0) {
         poll();
-        if (Yield)
+        if (Yield) {
             QCoreApplication::processEvents();
+        }
         // The timeout measures silence: a change of connection or new page data restarts it.
         if (_connectionValid != seenConnection) {
             seenConnection = _connectionValid;
@@ -407,26 +437,30 @@ bool HTTPSocket::_SetAuthentication(const QByteArray& prefix) {
     AuthenticationParams& params = challenge.params;
     params["method"] = _httpAction;
     params["uri"] = _processingURL.toUtf8();
-    if (const auto nonce = params.find("nonce"); nonce != params.end())
+    if (const auto nonce = params.find("nonce"); nonce != params.end()) {
         _lastServerNonce = nonce->second;
-    else
+    } else {
         params["nonce"] = _lastServerNonce;
+    }
 
     const auto realm = params.find("realm");
     const QString realmText = QString::fromUtf8(realm == params.end() ? QByteArray() : realm->second);
     const quint64 exchange = m_exchange;
     AuthenticationAnswer answer;
-    if (prefix == "Proxy")
+    if (prefix == "Proxy") {
         emit ProxyAuthenticationRequired(realmText, *_pageHeaders, answer);
-    else
+    } else {
         emit AuthenticationRequired(realmText, *_pageHeaders, answer);
-    if (!answer.answer || exchange != m_exchange)
+    }
+    if (!answer.answer || exchange != m_exchange) {
         return false;
+    }
 
     const QByteArray key = createAuthenticationData(challenge.scheme, answer.name.toUtf8(),
                                                     answer.password.toUtf8(), params, _Nonces);
-    if (key.isEmpty())
+    if (key.isEmpty()) {
         return false;
+    }
     (prefix == "Proxy" ? _proxyAuthenticationKey : _authenticationKey) = key;
     return true;
 }

@@ -9,8 +9,9 @@ std::optional<HeaderBlockEnd> findHeaderBlockEnd(QByteArrayView buffer) {
     for (const QByteArray& pair :
          {eol + eol, QByteArray("\n\n"), QByteArray("\r\n\r\n"), QByteArray("\r\r")}) {
         const qsizetype at = buffer.indexOf(pair);
-        if (at >= 0)
+        if (at >= 0) {
             return HeaderBlockEnd{at, pair.size() / 2};
+        }
     }
     return std::nullopt;
 }
@@ -20,8 +21,9 @@ int statusCodeOf(QByteArrayView block) {
     qsizetype lineEnd = block.indexOf(eol);
     const QByteArrayView line = lineEnd < 0 ? block : block.first(lineEnd);
     const qsizetype firstBlank = line.indexOf(' ');
-    if (firstBlank < 0)
+    if (firstBlank < 0) {
         return 0;
+    }
     const QByteArrayView rest = line.sliced(firstBlank + 1);
     const qsizetype secondBlank = rest.indexOf(' ');
     return leadingInt32(secondBlank < 0 ? rest : rest.first(secondBlank));
@@ -29,15 +31,18 @@ int statusCodeOf(QByteArrayView block) {
 
 std::int32_t leadingInt32(QByteArrayView text) {
     qsizetype i = 0;
-    while (i < text.size() && (text[i] == ' ' || text[i] == '\t'))
+    while (i < text.size() && (text[i] == ' ' || text[i] == '\t')) {
         ++i;
+    }
     bool negative = false;
-    if (i < text.size() && (text[i] == '-' || text[i] == '+'))
+    if (i < text.size() && (text[i] == '-' || text[i] == '+')) {
         negative = text[i++] == '-';
+    }
     constexpr std::int64_t limit = std::int64_t{std::numeric_limits<std::int32_t>::max()} + 1;
     std::int64_t magnitude = 0;
-    for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i)
+    for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i) {
         magnitude = std::min(magnitude * 10 + (text[i] - '0'), limit);
+    }
     const std::int64_t value = negative ? -magnitude : std::min(magnitude, limit - 1);
     return static_cast<std::int32_t>(value);
 }

@@ -15,8 +15,9 @@ QByteArray MD5(const QByteArray& data) {
 QByteArray EncodeBase64(const QByteArray& data, qsizetype lineLength) {
     const QByteArray encoded = data.toBase64();
     QByteArrayList lines;
-    for (qsizetype at = 0; at < encoded.size(); at += lineLength)
+    for (qsizetype at = 0; at < encoded.size(); at += lineLength) {
         lines.append(encoded.mid(at, lineLength));
+    }
     return lines.join("\r\n");
 }
 
@@ -32,8 +33,9 @@ QByteArray lookup(const AuthenticationParams& params, const QByteArray& key,
 
 // Mid with 1-based start; a count below zero gives the empty string.
 QByteArray mid(const QByteArray& text, qsizetype start, qsizetype count) {
-    if (count <= 0 || start > text.size())
+    if (count <= 0 || start > text.size()) {
         return {};
+    }
     return text.mid(std::max<qsizetype>(start - 1, 0), count);
 }
 
@@ -42,8 +44,9 @@ NonceRandom nonceRandom;
 
 int drawNonceNumber(int low, int high) {
     std::scoped_lock lock(nonceRandomMutex);
-    if (!nonceRandom)
+    if (!nonceRandom) {
         return QRandomGenerator::global()->bounded(low, high + 1);
+    }
     return nonceRandom(low, high);
 }
 
@@ -78,10 +81,12 @@ AuthenticationParams parseAuthenticationParams(const QByteArray& text) {
 QByteArray createAuthenticationData(const QByteArray& scheme, const QByteArray& name,
                                     const QByteArray& password, const AuthenticationParams& params,
                                     NonceCounts& nonces) {
-    if (scheme == "Basic")
+    if (scheme == "Basic") {
         return "Basic " + EncodeBase64(name + ':' + password, 76);
-    if (scheme != "Digest")
+    }
+    if (scheme != "Digest") {
         return {};
+    }
 
     const QByteArray nonce = lookup(params, "nonce");
     // The count is stored and never raised, so every answer carries nc=00000001.
@@ -99,8 +104,9 @@ QByteArray createAuthenticationData(const QByteArray& scheme, const QByteArray& 
                        "\", nonce=\"" + nonce + "\", uri=\"" + uri + "\", qop=auth, nc=" + nc +
                        ", cnonce=\"" + cnonce + "\", response=\"" + response + "\", ";
     // Likewise "oqaque": an opaque parameter is answered, always with the empty value.
-    if (params.contains("opaque"))
+    if (params.contains("opaque")) {
         value += "opaque=\"" + lookup(params, "oqaque") + '"';
+    }
     return value;
 }
 

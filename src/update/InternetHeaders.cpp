@@ -18,16 +18,18 @@ QByteArray repeatKey(const QByteArray& name, int index) {
 
 QByteArray leftTrimmed(const QByteArray& text) {
     qsizetype start = 0;
-    while (start < text.size() && QChar::isSpace(static_cast<uchar>(text[start])))
+    while (start < text.size() && QChar::isSpace(static_cast<uchar>(text[start]))) {
         ++start;
+    }
     return text.mid(start);
 }
 
 QByteArrayList splitAt(const QByteArray& text, const QByteArray& separator) {
     QByteArrayList fields;
     qsizetype start = 0;
-    for (qsizetype at; (at = text.indexOf(separator, start)) >= 0; start = at + separator.size())
+    for (qsizetype at; (at = text.indexOf(separator, start)) >= 0; start = at + separator.size()) {
         fields.append(text.mid(start, at - start));
+    }
     fields.append(text.mid(start));
     return fields;
 }
@@ -35,12 +37,15 @@ QByteArrayList splitAt(const QByteArray& text, const QByteArray& separator) {
 } // namespace
 
 QByteArray determineEol(QByteArrayView text) {
-    if (text.contains("\r\n"))
+    if (text.contains("\r\n")) {
         return "\r\n";
-    if (text.contains('\n'))
+    }
+    if (text.contains('\n')) {
         return "\n";
-    if (text.contains('\r'))
+    }
+    if (text.contains('\r')) {
         return "\r";
+    }
     return "\r\n";
 }
 
@@ -61,42 +66,48 @@ void InternetHeaders::assign(const QByteArray& key, const QByteArray& value) {
 
 void InternetHeaders::remove(const QByteArray& key) {
     const auto it = m_index.constFind(fold(key));
-    if (it == m_index.cend())
+    if (it == m_index.cend()) {
         return;
+    }
     m_entries.erase(m_entries.begin() + static_cast<std::ptrdiff_t>(*it));
     rebuildIndex();
 }
 
 void InternetHeaders::rebuildIndex() {
     m_index.clear();
-    for (std::size_t i = 0; i < m_entries.size(); ++i)
+    for (std::size_t i = 0; i < m_entries.size(); ++i) {
         m_index.insert(fold(m_entries[i].key), i);
+    }
 }
 
 void InternetHeaders::AppendHeader(const QByteArray& name, const QByteArray& value) {
     QByteArray key = name;
-    for (int n = 1; find(key); ++n)
+    for (int n = 1; find(key); ++n) {
         key = baseName(key) + ':' + QByteArray::number(n);
+    }
     assign(key, value);
 }
 
 QByteArray InternetHeaders::CommaSeparatedValues(const QByteArray& name) const {
     QByteArrayList values;
     const int count = NameCount(name);
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         values.append(Value(name, i));
+    }
     return values.join(", ");
 }
 
 void InternetHeaders::Delete(const QByteArray& name) {
     const int count = NameCount(name);
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         remove(repeatKey(name, i));
+    }
 }
 
 void InternetHeaders::Delete(const QByteArray& name, int index) {
-    if (!find(repeatKey(name, index)))
+    if (!find(repeatKey(name, index))) {
         return;
+    }
     remove(repeatKey(name, index));
     for (int i = index + 1; const Entry* next = find(repeatKey(name, i)); ++i) {
         const QByteArray value = next->value;
@@ -111,30 +122,34 @@ void InternetHeaders::DeleteAllHeaders() {
 }
 
 QByteArray InternetHeaders::Name(int index) const {
-    if (index < 0 || index >= Count())
+    if (index < 0 || index >= Count()) {
         return {};
+    }
     return baseName(m_entries[static_cast<std::size_t>(index)].key);
 }
 
 int InternetHeaders::NameCount(const QByteArray& name) const {
     int count = 0;
-    while (find(repeatKey(name, count)))
+    while (find(repeatKey(name, count))) {
         ++count;
+    }
     return count;
 }
 
 void InternetHeaders::SetHeader(const QByteArray& name, const QByteArray& value) {
-    if (NameCount(name) >= 2)
+    if (NameCount(name) >= 2) {
         Delete(name);
+    }
     assign(name, value);
 }
 
 void InternetHeaders::SetHeader(const QByteArray& name, const QByteArray& value, int index) {
     const QByteArray key = repeatKey(name, index);
-    if (find(key))
+    if (find(key)) {
         assign(key, value);
-    else
+    } else {
         AppendHeader(key, value);
+    }
 }
 
 QByteArray InternetHeaders::Source() const {
@@ -142,8 +157,9 @@ QByteArray InternetHeaders::Source() const {
 }
 
 QByteArray InternetHeaders::Value(int index) const {
-    if (index < 0 || index >= Count())
+    if (index < 0 || index >= Count()) {
         return {};
+    }
     return m_entries[static_cast<std::size_t>(index)].value;
 }
 
@@ -154,25 +170,30 @@ QByteArray InternetHeaders::Value(const QByteArray& name, int index) const {
 
 QByteArray InternetHeaders::_FormatEmailHeaders() const {
     QByteArrayList lines;
-    if (find("Return-Path"))
+    if (find("Return-Path")) {
         lines.append("Return-Path: " + Value("Return-Path"));
+    }
     const int received = NameCount("Received");
-    for (int i = 0; i < received; ++i)
+    for (int i = 0; i < received; ++i) {
         lines.append("Received: " + Value("Received", i));
+    }
     for (const char* name : {"Date", "Subject", "From"}) {
-        if (find(name))
+        if (find(name)) {
             lines.append(QByteArray(name) + ": " + Value(name));
+        }
     }
     for (const char* name : {"To", "CC"}) {
-        if (find(name))
+        if (find(name)) {
             lines.append(QByteArray(name) + ": " + CommaSeparatedValues(name));
+        }
     }
     // BCC is among the names with a place of their own, and has none: blind copies stay blind.
     static const QByteArray placed = ":date:subject:from:to:cc:bcc:received:return-path:";
     for (const Entry& entry : m_entries) {
         const QByteArray name = baseName(entry.key);
-        if (!placed.contains(':' + fold(name) + ':'))
+        if (!placed.contains(':' + fold(name) + ':')) {
             lines.append(name + ": " + entry.value);
+        }
     }
     return lines.join("\r\n");
 }
@@ -180,8 +201,9 @@ QByteArray InternetHeaders::_FormatEmailHeaders() const {
 QByteArray InternetHeaders::_FormatHTTPHeaders() const {
     QByteArrayList lines;
     lines.reserve(Count());
-    for (const Entry& entry : m_entries)
+    for (const Entry& entry : m_entries) {
         lines.append(baseName(entry.key) + ": " + entry.value);
+    }
     return lines.join("\r\n");
 }
 
@@ -197,8 +219,9 @@ void InternetHeaders::_ParseHeaders(const QByteArray& text) {
     QHash<QByteArray, int> seen;
     for (const QByteArray& line : splitAt(unfolded, eol)) {
         const qsizetype colon = line.indexOf(':');
-        if (colon < 0)
+        if (colon < 0) {
             continue;
+        }
         const QByteArray name = line.left(colon);
         int& repeats = seen[fold(name)];
         const QByteArray key = repeatKey(name, repeats++);

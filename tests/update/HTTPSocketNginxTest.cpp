@@ -16,8 +16,9 @@ constexpr qint64 kLargeFileBytes = 20 * 1000 * 1000;
 
 QByteArray sha256OfFile(const QString& path) {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         return {};
+    }
     QCryptographicHash hash(QCryptographicHash::Sha256);
     hash.addData(&file);
     return hash.result().toHex();
@@ -33,8 +34,9 @@ bool writeFile(const QString& path, const QByteArray& content) {
 class NginxHttp : public testing::Test {
 protected:
     static void SetUpTestSuite() {
-        if (NginxServer::binary().isEmpty())
+        if (NginxServer::binary().isEmpty()) {
             return;
+        }
         s_nginx = new NginxServer;
         const QDir dir(s_nginx->dir());
         dir.mkpath("www/private");
@@ -45,8 +47,9 @@ protected:
         large.open(QIODevice::WriteOnly);
         QByteArray block(1000 * 1000, '\0');
         for (qint64 i = 0; i < kLargeFileBytes / block.size(); ++i) {
-            for (qsizetype j = 0; j < block.size(); j += 4096)
+            for (qsizetype j = 0; j < block.size(); j += 4096) {
                 block[j] = static_cast<char>(i * 31 + j);
+            }
             large.write(block);
         }
         large.close();
@@ -74,8 +77,9 @@ protected:
         QByteArray config = servers;
         config.replace("@ORIGIN@", QByteArray::number(s_origin))
             .replace("@PROXY@", QByteArray::number(s_proxy));
-        if (!s_nginx->start(config, s_proxy))
+        if (!s_nginx->start(config, s_proxy)) {
             s_startError = s_nginx->error().toStdString();
+        }
     }
 
     static void TearDownTestSuite() {
@@ -84,8 +88,9 @@ protected:
     }
 
     void SetUp() override {
-        if (!s_nginx)
+        if (!s_nginx) {
             GTEST_SKIP() << "nginx is not installed (scripts/packages/http-test.txt)";
+        }
         ASSERT_TRUE(s_startError.empty()) << s_startError;
     }
 

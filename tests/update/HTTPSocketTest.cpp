@@ -66,8 +66,9 @@ struct Events {
 
     // Runs the event loop until the exchange has ended.
     bool waitDone() {
-        if (done)
+        if (done) {
             return true;
+        }
         QEventLoop loop;
         waiting = &loop;
         QTimer::singleShot(15000, &loop, &QEventLoop::quit);
@@ -78,8 +79,9 @@ struct Events {
 
     void finish() {
         done = true;
-        if (waiting)
+        if (waiting) {
             waiting->quit();
+        }
     }
 
     QEventLoop* waiting = nullptr;
@@ -307,8 +309,9 @@ TEST(HttpAuthentication, RepeatedChallengeAsksAgainUntilTheOwnerDeclines) {
 
 TEST(HttpLimits, HeaderBlockBeyondTheLimitEndsTheExchange) {
     QByteArray endless = "HTTP/1.0 200 OK\r\n";
-    while (endless.size() <= HTTPSocket::kMaxHeaderBlockBytes + 1024)
+    while (endless.size() <= HTTPSocket::kMaxHeaderBlockBytes + 1024) {
         endless += "X-Filler: aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa\r\n";
+    }
     ScriptedServer server({[&](ScriptedConnection& connection, const QByteArray&) {
         connection.send(endless);
         connection.waitForClientClose();
@@ -326,8 +329,9 @@ TEST(HttpLimits, PageInMemoryUpToTheLimitAndNoFurther) {
                            [](ScriptedConnection& connection, const QByteArray&) {
                                const QByteArray chunk(1 << 20, 'e');
                                bool open = connection.send("HTTP/1.0 200 OK\r\n\r\n");
-                               while (open)
+                               while (open) {
                                    open = connection.send(chunk);
+                               }
                            }});
     HTTPSocket socket;
     EXPECT_EQ(socket.Get(url(server, "/exact"), 10).size(), HTTPSocket::kMaxPageBytes);
@@ -363,15 +367,17 @@ TEST(HttpDownloadFile, FullDiskEndsTheDownloadWithErrorOne) {
     QTemporaryDir dir;
     QProcess mount;
     mount.start("mount", {"-t", "tmpfs", "-o", "size=1m", "tmpfs", dir.path()});
-    if (!mount.waitForFinished(10000) || mount.exitCode() != 0)
+    if (!mount.waitForFinished(10000) || mount.exitCode() != 0) {
         GTEST_SKIP() << "cannot mount a small tmpfs here: " << mount.readAllStandardError().toStdString();
+    }
     const auto unmount = qScopeGuard([&] { QProcess::execute("umount", {dir.path()}); });
 
     ScriptedServer server({[](ScriptedConnection& connection, const QByteArray&) {
         const QByteArray chunk(64 * 1024, 'd');
         bool open = connection.send("HTTP/1.0 200 OK\r\n\r\n");
-        for (int i = 0; open && i < 64; ++i)
+        for (int i = 0; open && i < 64; ++i) {
             open = connection.send(chunk);
+        }
     }});
     HTTPSocket socket;
     Events events(socket);
@@ -389,8 +395,9 @@ namespace {
 
 TEST(HttpDownloadFile, BlockingDownloadReplacesTheFileWithTheBody) {
     QByteArray body(3 * 1024 * 1024, '\0');
-    for (qsizetype i = 0; i < body.size(); ++i)
+    for (qsizetype i = 0; i < body.size(); ++i) {
         body[i] = static_cast<char>(i * 7 + i / 4096);
+    }
     ScriptedServer server({respond(httpResponse("HTTP/1.0 200 OK", {}, body))});
     QTemporaryDir dir;
     const QString target = dir.filePath("update.zip");

@@ -80,8 +80,9 @@ TEST(AuthenticationDigest, CountStaysOneAndNoOpaqueEndsInCommaBlank) {
     NonceCounts nonces;
     const AuthenticationParams params{{"nonce", "n1"}};
     QByteArray value;
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i) {
         value = createAuthenticationData("Digest", "u", "p", params, nonces);
+    }
     EXPECT_NE(value.indexOf(", nc=00000001, "), -1) << value.constData();
     EXPECT_TRUE(value.endsWith("\", ")) << value.constData();
     EXPECT_NE(value.indexOf(R"(realm="", nonce="n1", uri="/", )"), -1) << value.constData();
@@ -106,8 +107,9 @@ TEST(AuthenticationNonce, TwentyFiveLettersAndDigitsFromTheWholeRange) {
 
     const QByteArray random = createClientNonce();
     ASSERT_EQ(random.size(), 25);
-    for (const char c : random)
+    for (const char c : random) {
         EXPECT_TRUE(std::isalnum(static_cast<unsigned char>(c))) << c;
+    }
 }
 
 } // namespace

@@ -7,8 +7,9 @@ namespace {
 // Each entry as "Name=Value", in enumeration order.
 std::vector<std::string> entries(const InternetHeaders& headers) {
     std::vector<std::string> out;
-    for (int i = 0; i < headers.Count(); ++i)
+    for (int i = 0; i < headers.Count(); ++i) {
         out.push_back((headers.Name(i) + '=' + headers.Value(i)).toStdString());
+    }
     return out;
 }
 
@@ -124,8 +125,9 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(InternetHeadersParseRepeats, FirstValueByNameAndThousandsOfRepeats) {
     QByteArray block = "HTTP/1.0 200 OK";
-    for (int i = 0; i < 20000; ++i)
+    for (int i = 0; i < 20000; ++i) {
         block += "\r\nX: " + QByteArray::number(i);
+    }
     InternetHeaders headers;
     headers._ParseHeaders(block);
     EXPECT_EQ(headers.Value("x"), "0");

@@ -14,8 +14,9 @@ NginxServer::NginxServer() {
 NginxServer::~NginxServer() {
     if (m_process.state() != QProcess::NotRunning) {
         m_process.terminate();
-        if (!m_process.waitForFinished(5000))
+        if (!m_process.waitForFinished(5000)) {
             m_process.kill();
+        }
         m_process.waitForFinished(5000);
     }
 }
@@ -65,8 +66,9 @@ http {
         }
         QTcpSocket probe;
         probe.connectToHost(QHostAddress::LocalHost, static_cast<quint16>(port));
-        if (probe.waitForConnected(200))
+        if (probe.waitForConnected(200)) {
             return true;
+        }
         m_process.waitForFinished(50);
     }
     m_error = "nginx did not answer on its port: " + readFile("error.log");

@@ -15,8 +15,9 @@ namespace {
 qsizetype contentLengthOf(const QByteArray& head) {
     const QByteArray lower = head.toLower();
     const qsizetype at = lower.indexOf("\ncontent-length:");
-    if (at < 0)
+    if (at < 0) {
         return 0;
+    }
     const qsizetype end = lower.indexOf('\r', at + 1);
     return lower.mid(at + 16, end - at - 16).trimmed().toLongLong();
 }
@@ -29,11 +30,13 @@ QByteArray ScriptedConnection::readRequest() {
     qsizetype headEnd = -1;
     while (true) {
         headEnd = received.indexOf("\r\n\r\n");
-        if (headEnd >= 0 && received.size() >= headEnd + 4 + contentLengthOf(received.left(headEnd)))
+        if (headEnd >= 0 && received.size() >= headEnd + 4 + contentLengthOf(received.left(headEnd))) {
             return received;
+        }
         const ssize_t n = ::recv(m_fd, chunk, sizeof chunk, 0);
-        if (n <= 0)
+        if (n <= 0) {
             return received;
+        }
         received.append(chunk, n);
     }
 }
@@ -41,8 +44,9 @@ QByteArray ScriptedConnection::readRequest() {
 bool ScriptedConnection::send(QByteArrayView bytes) {
     while (!bytes.isEmpty()) {
         const ssize_t n = ::send(m_fd, bytes.data(), static_cast<size_t>(bytes.size()), MSG_NOSIGNAL);
-        if (n <= 0)
+        if (n <= 0) {
             return false;
+        }
         bytes = bytes.sliced(n);
     }
     return true;
@@ -51,8 +55,9 @@ bool ScriptedConnection::send(QByteArrayView bytes) {
 bool ScriptedConnection::sendInPieces(QByteArrayView bytes, qsizetype pieceSize,
                                       std::chrono::microseconds pause) {
     for (qsizetype at = 0; at < bytes.size(); at += pieceSize) {
-        if (!send(bytes.sliced(at, std::min(pieceSize, bytes.size() - at))))
+        if (!send(bytes.sliced(at, std::min(pieceSize, bytes.size() - at)))) {
             return false;
+        }
         std::this_thread::sleep_for(pause);
     }
     return true;
@@ -73,8 +78,9 @@ ScriptedServer::ScriptedServer(std::vector<Script> scripts)
     socklen_t length = sizeof address;
     if (::bind(m_listenFd, reinterpret_cast<sockaddr*>(&address), length) != 0 ||
         ::listen(m_listenFd, 8) != 0 ||
-        ::getsockname(m_listenFd, reinterpret_cast<sockaddr*>(&address), &length) != 0)
+        ::getsockname(m_listenFd, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
         throw std::runtime_error("scripted server: cannot listen on loopback");
+    }
     m_port = ntohs(address.sin_port);
     m_thread = std::thread(&ScriptedServer::run, this);
 }
@@ -82,8 +88,9 @@ ScriptedServer::ScriptedServer(std::vector<Script> scripts)
 ScriptedServer::~ScriptedServer() {
     m_stopping = true;
     ::shutdown(m_listenFd, SHUT_RDWR);
-    if (const int fd = m_connectionFd.load(); fd >= 0)
+    if (const int fd = m_connectionFd.load(); fd >= 0) {
         ::shutdown(fd, SHUT_RDWR);
+    }
     m_thread.join();
     ::close(m_listenFd);
 }
@@ -100,13 +107,15 @@ std::vector<QByteArray> ScriptedServer::requests() const {
 void ScriptedServer::run() {
     for (std::size_t index = 0; !m_stopping; ++index) {
         const int fd = ::accept(m_listenFd, nullptr, nullptr);
-        if (fd < 0)
+        if (fd < 0) {
             return;
+        }
         const int on = 1;
         ::setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
         m_connectionFd = fd;
-        if (m_stopping)
+        if (m_stopping) {
             ::shutdown(fd, SHUT_RDWR);
+        }
         ScriptedConnection connection(fd);
         const QByteArray request = connection.readRequest();
         {
@@ -123,7 +132,8 @@ void ScriptedServer::run() {
 QByteArray httpResponse(const QByteArray& statusLine, const QByteArrayList& headers, const QByteArray& body,
                         const QByteArray& eol) {
     QByteArray response = statusLine + eol;
-    for (const QByteArray& header : headers)
+    for (const QByteArray& header : headers) {
         response += header + eol;
+    }
     return response + eol + body;
 }
