@@ -433,7 +433,7 @@ TEST(HttpRefusal, LineBreaksBlanksAndBadPortsNeverReachTheNetwork) {
     expectRefused(at + "/", "X-A\nX-B", "c");
     // The blocking forms wait only off the GUI thread.
     QMetaObject::invokeMethod(
-        qApp, [&] { expectRefused(at + "/"); }, Qt::BlockingQueuedConnection);
+        QCoreApplication::instance(), [&] { expectRefused(at + "/"); }, Qt::BlockingQueuedConnection);
     HTTPSocket socket;
     EXPECT_EQ(socket.Get(url(server, "/sent"), 5), "ok");
     ASSERT_EQ(server.requests().size(), 1u);
