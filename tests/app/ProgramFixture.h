@@ -3,7 +3,7 @@
 #include "capture/CaptureRunner.h"
 #include "platform/screen/ScreenGrabber.h"
 #include "schedule/wMain.h"
-#include "settings/Printers.h"
+#include "support/Printers.h"
 #include "settings/mGeneralSettings.h"
 #include "support/RecordingPresenter.h"
 

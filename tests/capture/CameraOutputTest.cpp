@@ -5,13 +5,13 @@
 #include "capture/CaptureRun.h"
 #include "capture/ProductCameraServices.h"
 #include "capture/wOutputSmall.h"
-#include "platform/Clock.h"
 #include "platform/FolderItem.h"
 #include "platform/camera/GstCameraGrabber.h"
 #include "platform/jpeg/JpegFile.h"
 #include "platform/screen/ScreenGrabber.h"
 #include "settings/mGeneralSettings.h"
 #include "support/RecordingPresenter.h"
+#include "support/TestClock.h"
 
 #include <QApplication>
 #include <QDir>
@@ -29,21 +29,6 @@
 #include <vector>
 
 namespace {
-class FakeClock final : public Clock {
-public:
-    QDateTime now() const override {
-        std::lock_guard lock(m_mutex);
-        return m_now;
-    }
-    void set(const QDateTime& now) {
-        std::lock_guard lock(m_mutex);
-        m_now = now;
-    }
-
-private:
-    mutable std::mutex m_mutex;
-    QDateTime m_now;
-};
 
 // Left half red, right half blue, so that a file written from the window's scaled view, or with
 // its halves swapped, shows.
@@ -129,7 +114,7 @@ protected:
     }
 
     QTemporaryDir m_folder;
-    FakeClock m_clock;
+    TestClock m_clock{QDateTime()};
     RecordingPresenter m_presenter;
 };
 

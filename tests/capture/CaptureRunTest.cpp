@@ -5,6 +5,7 @@
 #include "platform/screen/ScreenList.h"
 #include "platform/screen/XcbScreenGrabber.h"
 #include "support/JpegInspection.h"
+#include "support/Pixels.h"
 #include "support/RecordingPresenter.h"
 #include "support/RootPainter.h"
 

@@ -1,33 +1,19 @@
 #pragma once
 
 #include "capture/CaptureRun.h"
-#include "platform/Clock.h"
 #include "platform/FolderItem.h"
 #include "platform/screen/ScreenGrabber.h"
 #include "platform/screen/ScreenList.h"
 #include "support/RecordingPresenter.h"
 #include "support/RootPainter.h"
+#include "support/TestClock.h"
 
 #include <QDir>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <memory>
-
-// A clock that moves on one second each time it is read, so every name it stamps is its own.
-class SteppingClock final : public Clock {
-public:
-    explicit SteppingClock(QDateTime start)
-        : m_start(std::move(start)) {}
-    QDateTime now() const override { return m_start.addSecs(m_reads.fetch_add(1)); }
-    int reads() const { return m_reads.load(); }
-
-private:
-    QDateTime m_start;
-    mutable std::atomic<int> m_reads{0};
-};
 
 inline const QDateTime kStart(QDate(2026, 3, 7), QTime(9, 5, 2));
 
@@ -63,6 +49,6 @@ protected:
     QTemporaryDir m_dir;
     QList<QRect> m_screens;
     std::unique_ptr<ScreenGrabber> m_grabber;
-    SteppingClock m_clock{kStart};
+    TestClock m_clock{kStart, 1};
     RecordingPresenter m_presenter;
 };

@@ -1,6 +1,7 @@
 #include "platform/jpeg/JpegFile.h"
 #include "platform/jpeg/JpegReader.h"
 #include "support/JpegInspection.h"
+#include "support/Pixels.h"
 #include "support/RootPainter.h"
 
 #include <QCoreApplication>

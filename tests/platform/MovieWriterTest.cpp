@@ -1,5 +1,6 @@
 #include "platform/movie/MovieWriter.h"
 #include "support/JpegInspection.h"
+#include "support/Pixels.h"
 #include "support/MovieInspection.h"
 
 #include <QCoreApplication>

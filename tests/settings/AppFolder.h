@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Printers.h"
+#include "support/Printers.h"
 #include "base/mProgramInfo.h"
 #include "platform/FolderItem.h"
 

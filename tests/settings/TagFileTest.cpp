@@ -1,6 +1,6 @@
 #include "settings/TagFile.h"
 
-#include "Printers.h"
+#include "support/Printers.h"
 
 #include <QFile>
 #include <QTemporaryDir>

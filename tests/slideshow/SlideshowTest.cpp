@@ -1,5 +1,4 @@
 #include "base/NilObjectException.h"
-#include "platform/Clock.h"
 #include "platform/movie/MovieWriter.h"
 #include "platform/movie/NullMovieWriter.h"
 #include "slideshow/Letterbox.h"
@@ -7,6 +6,7 @@
 #include "slideshow/PictureList.h"
 #include "support/MovieInspection.h"
 #include "support/RecordingPresenter.h"
+#include "support/TestClock.h"
 
 #include <QDir>
 #include <QImage>
@@ -19,11 +19,6 @@
 namespace {
 const QString kArchive = "Archive_2026-03-07-21-07";
 const QString kMovie = "2026-03-07-21-07.mov";
-
-class FixedClock final : public Clock {
-public:
-    QDateTime now() const override { return QDateTime(QDate(2026, 3, 7), QTime(21, 7, 59)); }
-};
 
 // The real writer, with its movie refusing to open, or else to flatten.
 class FailingWriter final : public MovieWriter {
@@ -81,7 +76,7 @@ protected:
 
     QTemporaryDir m_root;
     QTemporaryDir m_temporary;
-    FixedClock m_clock;
+    TestClock m_clock{QDateTime(QDate(2026, 3, 7), QTime(21, 7, 59))};
     RecordingPresenter m_presenter;
     QStringList m_told;
 };

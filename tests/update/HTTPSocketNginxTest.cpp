@@ -1,5 +1,5 @@
-#include "NginxServer.h"
-#include "SignalWait.h"
+#include "support/NginxServer.h"
+#include "support/Wait.h"
 #include "update/HTTPSocket.h"
 
 #include <QCryptographicHash>

@@ -1,6 +1,6 @@
 #include "update/HTTPSocket.h"
-#include "NginxServer.h"
-#include "ScriptedServer.h"
+#include "support/NginxServer.h"
+#include "support/ScriptedServer.h"
 
 #include <QAbstractSocket>
 #include <QDir>

@@ -58,9 +58,3 @@ std::optional<JpegInspection> inspectJpeg(const QString& path) {
     }
     return result;
 }
-
-bool closeTo(const QColor& actual, const QColor& expected, int tolerance) {
-    return std::abs(actual.red() - expected.red()) <= tolerance &&
-           std::abs(actual.green() - expected.green()) <= tolerance &&
-           std::abs(actual.blue() - expected.blue()) <= tolerance;
-}

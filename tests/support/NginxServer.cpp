@@ -1,4 +1,4 @@
-#include "NginxServer.h"
+#include "support/NginxServer.h"
 
 #include <QDeadlineTimer>
 #include <QDir>

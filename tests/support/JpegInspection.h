@@ -17,6 +17,3 @@ struct JpegInspection {
 
 // Empty when the file is missing or is not a complete JPEG stream.
 std::optional<JpegInspection> inspectJpeg(const QString& path);
-
-// True when each channel of `actual` lies within `tolerance` of `expected`.
-bool closeTo(const QColor& actual, const QColor& expected, int tolerance);
