@@ -24,7 +24,7 @@ private:
     int m_fd;
 };
 
-// A TCP server on 127.0.0.1 that does what it is told, for replies no ordinary server gives.
+// A TCP server on 127.0.0.1 that does what it is told, down to replies no ordinary server gives.
 // Connection n runs script n, and those beyond the list the last one, once its request (the
 // header block and as many body bytes as its Content-length says) has been read and kept.
 class ScriptedServer {
