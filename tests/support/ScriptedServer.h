@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QByteArray>
-#include <QByteArrayView>
+#include <QByteArrayList>
+#include <QString>
 
 #include <atomic>
 #include <chrono>
@@ -15,13 +15,8 @@ class ScriptedConnection {
 public:
     explicit ScriptedConnection(int fd)
         : m_fd(fd) {}
-
-    // Reads one request: the header block and as many body bytes as its Content-length says.
-    QByteArray readRequest();
-    // False once the client has gone.
-    bool send(QByteArrayView bytes);
-    // Each piece goes out on its own, with a pause behind it so that the client reads it alone.
-    bool sendInPieces(QByteArrayView bytes, qsizetype pieceSize, std::chrono::microseconds pause);
+    // False once the client has gone. Pieces of the size given go out alone, with a pause behind each.
+    bool send(QByteArrayView bytes, qsizetype pieceSize = 0, std::chrono::milliseconds pause = {});
     // Blocks until the client closes the connection.
     void waitForClientClose();
 
@@ -29,33 +24,31 @@ private:
     int m_fd;
 };
 
-// A TCP server on 127.0.0.1 that does what it is told, for replies no ordinary server gives.
-// Connection n runs script n; connections beyond the list run the last one. The request that
-// each connection read is kept.
+// A TCP server on 127.0.0.1 that does what it is told, down to replies no ordinary server gives.
+// Connection n runs script n, and those beyond the list the last one, once its request (the
+// header block and as many body bytes as its Content-length says) has been read and kept.
 class ScriptedServer {
 public:
     using Script = std::function<void(ScriptedConnection&, const QByteArray& request)>;
-    // DropFirstSyn keeps the accept queue full until a client's first SYN has been dropped, so that
-    // the connection stands only after the kernel's retry, about a second later.
-    enum Accept { AcceptAtOnce, DropFirstSyn };
 
-    explicit ScriptedServer(std::vector<Script> scripts, Accept accept = AcceptAtOnce);
+    explicit ScriptedServer(std::vector<Script> scripts);
     ~ScriptedServer();
-    ScriptedServer(const ScriptedServer&) = delete;
-    ScriptedServer& operator=(const ScriptedServer&) = delete;
 
+    // Sends these bytes and closes.
+    static Script reply(const QByteArray& response);
+    // A URL on 127.0.0.1 whose port nothing listens on right now.
+    static QString refusedUrl();
     int port() const { return m_port; }
-    QByteArray url(const QByteArray& path) const;
+    QString url(const QString& path = "/") const;
     std::vector<QByteArray> requests() const;
     // True once `count` connections have been served to their end.
-    bool servedAtLeast(std::size_t count) const { return m_served.load() >= count; }
+    bool servedAtLeast(std::size_t count) const { return m_served >= count; }
 
 private:
     void run();
 
     std::vector<Script> m_scripts;
-    int m_listenFd = -1;
-    int m_fillerFd = -1; // the connection that fills the accept queue
+    int m_listenFd;
     int m_port = 0;
     std::atomic<int> m_connectionFd{-1};
     std::atomic<bool> m_stopping{false};
