@@ -15,11 +15,11 @@ QByteArray run(const QString& program, const QStringList& arguments) {
 } // namespace
 
 std::optional<MovieInspection> inspectMovie(const QString& path) {
-    // One value a line, in the order asked for.
+    // One value a line, in ffprobe's own order, which the request follows.
     const QStringList values =
         QString::fromUtf8(
             run("ffprobe", {"-v", "error", "-select_streams", "v:0", "-count_packets", "-show_entries",
-                            "stream=codec_name,pix_fmt,width,height,duration,nb_read_packets", "-of",
+                            "stream=codec_name,width,height,pix_fmt,duration,nb_read_packets", "-of",
                             "default=noprint_wrappers=1:nokey=1", path}))
             .split('\n');
     if (values.size() < 6) {

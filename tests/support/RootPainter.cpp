@@ -14,7 +14,6 @@
 namespace {
 using Connection = std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)>;
 
-// The display's first screen; null without an X server.
 const xcb_screen_t* firstScreen(const Connection& c) {
     return xcb_connection_has_error(c.get()) ? nullptr
                                              : xcb_setup_roots_iterator(xcb_get_setup(c.get())).data;
@@ -48,9 +47,8 @@ bool paintRoot(const QImage& source) {
     }
     xcb_change_window_attributes(c, screen->root, XCB_CW_BACK_PIXMAP, &pixmap);
     xcb_clear_area(c, 0, screen->root, 0, 0, 0, 0);
-    xcb_free_gc(c, gc);
-    xcb_free_pixmap(c, pixmap);
-    // A round trip, so that the server has drawn everything before anyone grabs.
+    // A round trip, so that the server has drawn everything before anyone grabs; the end of the
+    // connection frees the pixmap and the graphics context.
     std::free(xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr));
     return true;
 }
