@@ -1,60 +1,32 @@
 #include "support/JpegInspection.h"
 
-#include <QFile>
+#include "support/Files.h"
 
-#include <cstdlib>
+#include <memory>
 
-namespace {
-bool isFrameMarker(int marker) {
-    return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
-}
-} // namespace
-
+// A marker's two bytes occur nowhere else in a JPEG stream: entropy-coded data stuffs a zero after
+// each 0xFF, and no header or table holds a 0xFF followed by a frame or scan marker's code.
 std::optional<JpegInspection> inspectJpeg(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return std::nullopt;
+    const QByteArray bytes = readFile(path);
+    JpegInspection result{0, int(bytes.count("\xff\xda")), QImage::fromData(bytes, "JPG")};
+    for (const char frame : {'\xc0', '\xc1', '\xc2'}) {
+        result.frameMarker = bytes.contains(QByteArray("\xff") + frame) ? quint8(frame) : result.frameMarker;
     }
-    const QByteArray bytes = file.readAll();
-    const auto at = [&](qsizetype i) { return static_cast<unsigned char>(bytes.at(i)); };
-    if (bytes.size() < 4 || at(0) != 0xFF || at(1) != 0xD8) {
-        return std::nullopt;
-    }
-    JpegInspection result;
-    qsizetype i = 2;
-    bool ended = false;
-    while (i + 1 < bytes.size()) {
-        if (at(i) != 0xFF) {
-            return std::nullopt;
-        }
-        const int marker = at(i + 1);
-        if (marker == 0xD9) {
-            ended = true;
-            break;
-        }
-        if (i + 3 >= bytes.size()) {
-            return std::nullopt;
-        }
-        const qsizetype length = (at(i + 2) << 8) | at(i + 3);
-        if (isFrameMarker(marker)) {
-            result.frameMarker = marker;
-        }
-        i += 2 + length;
-        if (marker == 0xDA) {
-            ++result.scanCount;
-            // Entropy-coded data: a 0xFF in it is followed by a stuffed zero or a restart marker.
-            while (i + 1 < bytes.size() &&
-                   !(at(i) == 0xFF && at(i + 1) != 0x00 && (at(i + 1) < 0xD0 || at(i + 1) > 0xD7))) {
-                ++i;
-            }
-        }
-    }
-    if (!ended) {
-        return std::nullopt;
-    }
-    result.image = QImage(path, "JPG");
-    if (result.image.isNull()) {
+    if (!bytes.startsWith("\xff\xd8") || !bytes.endsWith("\xff\xd9") || result.image.isNull()) {
         return std::nullopt;
     }
     return result;
+}
+
+Picture pictureOf(const QImage& image) {
+    const auto kept = std::make_shared<const QImage>(image);
+    const PixelLayout layout =
+        image.format() == QImage::Format_RGB888 ? PixelLayout::Rgb24 : PixelLayout::Bgrx32;
+    return Picture{image.width(), image.height(), int(image.bytesPerLine()), layout, kept->constBits(), kept};
+}
+
+QImage imageOf(const Picture& picture) {
+    const QImage::Format format =
+        picture.layout == PixelLayout::Rgb24 ? QImage::Format_RGB888 : QImage::Format_RGB32;
+    return QImage(picture.bits, picture.width, picture.height, picture.strideBytes, format);
 }

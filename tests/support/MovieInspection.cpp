@@ -1,7 +1,7 @@
 #include "support/MovieInspection.h"
 
-#include <QFile>
-#include <QMap>
+#include "support/Files.h"
+
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -15,33 +15,29 @@ QByteArray run(const QString& program, const QStringList& arguments) {
 } // namespace
 
 std::optional<MovieInspection> inspectMovie(const QString& path) {
-    QMap<QString, QString> values;
-    const QByteArray probed =
-        run("ffprobe", {"-v", "error", "-select_streams", "v:0", "-count_packets", "-show_entries",
-                        "stream=codec_name,pix_fmt,width,height,duration,nb_read_packets", "-of",
-                        "default=noprint_wrappers=1", path});
-    for (const QString& line : QString::fromUtf8(probed).split('\n')) {
-        values.insert(line.section('=', 0, 0), line.section('=', 1));
-    }
-    if (!values.contains("codec_name")) {
+    // One value a line, in ffprobe's own order, which the request follows.
+    const QStringList values =
+        QString::fromUtf8(
+            run("ffprobe", {"-v", "error", "-select_streams", "v:0", "-count_packets", "-show_entries",
+                            "stream=codec_name,width,height,pix_fmt,duration,nb_read_packets", "-of",
+                            "default=noprint_wrappers=1:nokey=1", path}))
+            .split('\n');
+    if (values.size() < 6) {
         return std::nullopt;
     }
-    QFile file(path);
-    file.open(QIODevice::ReadOnly);
-    const QByteArray bytes = file.readAll();
-    return MovieInspection{values["codec_name"],
-                           values["pix_fmt"],
-                           QSize(values["width"].toInt(), values["height"].toInt()),
-                           values["duration"].toDouble(),
-                           values["nb_read_packets"].toInt(),
+    const QByteArray bytes = readFile(path);
+    return MovieInspection{values[0],
+                           values[3],
+                           QSize(values[1].toInt(), values[2].toInt()),
+                           values[4].toDouble(),
+                           values[5].toInt(),
                            bytes.indexOf("moov") < bytes.indexOf("mdat")};
 }
 
 QImage movieFrameAt(const QString& path, double seconds) {
     QTemporaryDir dir;
-    const QString frame = dir.filePath("frame.png");
     // Each frame up to that time overwrites the picture; the last one stays.
     run("ffmpeg", {"-v", "error", "-i", path, "-vf", QString("select=lte(t\\,%1)").arg(seconds), "-vsync",
-                   "passthrough", "-update", "1", "-y", frame});
-    return QImage(frame);
+                   "passthrough", "-update", "1", "-y", dir.filePath("frame.png")});
+    return QImage(dir.filePath("frame.png"));
 }

@@ -6,7 +6,7 @@
 
 #include <optional>
 
-// A movie file as ffprobe reads it, without trusting the writer.
+// A movie file as ffprobe reads it, without trusting the writer; empty without a picture track.
 struct MovieInspection {
     QString codec;
     QString pixelFormat;
@@ -15,8 +15,6 @@ struct MovieInspection {
     int packets = 0;
     bool indexInFront = false; // the moov atom before the mdat atom
 };
-// Empty when the file holds no picture track.
 std::optional<MovieInspection> inspectMovie(const QString& path);
-
 // What ffmpeg shows at `seconds`: the last frame that starts at or before it; null on failure.
 QImage movieFrameAt(const QString& path, double seconds);

@@ -1,0 +1,250 @@
+#include "base/NilObjectException.h"
+#include "base/mCodeBaseGlv.h"
+#include "base/mProgramInfo.h"
+#include "capture/CaptureRunner.h"
+#include "capture/ProductCameraServices.h"
+#include "capture/wOutputSmall.h"
+#include "platform/FolderItem.h"
+#include "platform/camera/GstCameraGrabber.h"
+#include "platform/jpeg/JpegFile.h"
+#include "platform/screen/ScreenGrabber.h"
+#include "platform/screen/ScreenList.h"
+#include "support/Files.h"
+#include "support/JpegInspection.h"
+#include "support/Pixels.h"
+#include "support/RecordingPresenter.h"
+#include "support/RootPainter.h"
+#include "support/TestClock.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QPainter>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+namespace {
+const QDateTime kStart(QDate(2026, 3, 7), QTime(9, 0, 5), Qt::OffsetFromUTC, 5 * 3600);
+
+// The real grabber on three monitors showing the quadrants at their own sizes, and a folder beside
+// which the default destination, a bare name, lands. Names take the clock's fields as they stand.
+class CaptureRunTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        platform::setApplicationFolder(m_dir.path());
+        ASSERT_EQ(m_screens.size(), 3);
+        QImage root(rootSize(), QImage::Format_RGB32);
+        QPainter painter(&root);
+        for (const QRect& screen : m_screens) {
+            painter.drawImage(screen.topLeft(), quadrantPattern(screen.size()));
+        }
+        ASSERT_TRUE(paintRoot(root));
+    }
+
+    CaptureRunInput input(const char* primaryOnly = "FALSE", const char* useScreen = "TRUE") const {
+        CaptureRunInput input{mGeneralSettings::defaults(), m_screens};
+        input.prefs.pPrimaryOnly = primaryOnly;
+        input.prefs.pUseScreen = useScreen;
+        return input;
+    }
+    void run(const CaptureRunInput& input) { mCodeBaseStd::sTakePictures(input, *m_grabber, m_clock); }
+    QString destination() const { return m_dir.filePath("Screen Images"); }
+
+    QTemporaryDir m_dir;
+    TestClock m_clock{kStart, 1};
+    RecordingPresenter m_presenter;
+    const QList<QRect> m_screens = screenAreas();
+    const std::unique_ptr<ScreenGrabber> m_grabber = makeScreenGrabber();
+};
+
+TEST_F(CaptureRunTest, EachWantedScreenGetsAFileStampedAfterItsGrabUntilOneCannotBeGrabbed) {
+    const std::tuple<const char*, const char*, QStringList> cases[] = {
+        {"FALSE", "TRUE", {"05-0", "06-1", "07-2"}}, {"TRUE", "TRUE", {"05-0"}}, {"FALSE", "FALSE", {}}};
+    for (const auto& [primaryOnly, useScreen, stamps] : cases) {
+        QDir(destination()).removeRecursively();
+        m_clock.set(kStart);
+        run(input(primaryOnly, useScreen));
+        ASSERT_EQ(entriesIn(destination()).size(), stamps.size());
+        for (int index = 0; index < stamps.size(); ++index) {
+            const auto jpeg = inspectJpeg(destination() + "/2026-03-07-09-00-" + stamps.at(index) + ".jpg");
+            ASSERT_TRUE(jpeg) << stamps.at(index).toStdString();
+            EXPECT_EQ(jpeg->frameMarker, 0xC2);
+            EXPECT_EQ(jpeg->image.size(), m_screens.at(index).size());
+            EXPECT_TRUE(showsQuadrants(jpeg->image, 12)) << index;
+        }
+    }
+    // A screen that cannot be grabbed ends the run; the files of the screens before stay.
+    QDir(destination()).removeRecursively();
+    CaptureRunInput into = input();
+    into.screens[1] = QRect(rootSize().width() + 10, 0, 100, 100);
+    EXPECT_THROW(run(into), NilObjectException);
+    EXPECT_EQ(entriesIn(destination()).size(), 1);
+    // A destination whose parent is not there gives nothing: only the last part is ever made.
+    into.prefs.pDestination = m_dir.filePath("missing/Screen Images");
+    into.screens = m_screens;
+    run(into);
+    EXPECT_FALSE(QFile::exists(m_dir.filePath("missing")));
+    EXPECT_TRUE(m_presenter.messages().empty());
+}
+
+TEST_F(CaptureRunTest, AnExceptionInARunReachesTheUnhandledWarningAndTheRunnerWaitsForRunsWhenItGoes) {
+    CaptureRunInput unreachable = input();
+    unreachable.screens[0] = QRect(-100, -100, 50, 50);
+    {
+        CaptureRunner runner(*m_grabber, m_clock);
+        runner.Run(unreachable);
+        runner.waitForRuns();
+        runner.Run(input());
+        runner.Run(input("TRUE"));
+    }
+    EXPECT_EQ(entriesIn(destination()).size(), 4);
+    EXPECT_EQ(m_presenter.texts(), std::vector<QString>{"Unhandled Exception.  Contact Support ..."});
+}
+
+// The frame window on the screen, once there is one: all windows here are frame windows.
+CameraFrameWindow* shownWindow(int timeoutMs = 5000) {
+    const bool shown = QTest::qWaitFor([] { return !QApplication::topLevelWidgets().isEmpty(); }, timeoutMs);
+    return shown ? qobject_cast<CameraFrameWindow*>(QApplication::topLevelWidgets().value(0)) : nullptr;
+}
+
+void closeWindow(CameraFrameWindow* window) {
+    window->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+std::optional<Picture> newestFrame(int timeoutMs = 10000) {
+    std::optional<Picture> frame;
+    const auto arrived = [&] { return (frame = mCodeBaseGlv::pQTGrabber.get()->CurrentFrame()).has_value(); };
+    return QTest::qWaitFor(arrived, timeoutMs) ? frame : std::nullopt;
+}
+
+// The camera link on GStreamer's synthetic source, and frame windows on a 1200 by 900 primary monitor.
+class CameraTest : public CaptureRunTest {
+protected:
+    void SetUp() override {
+        CaptureRunTest::SetUp();
+        ASSERT_TRUE(gstreamerAvailable());
+        mProgramInfo::SetConstants();
+        setPrefs("MEDIUM");
+        installProductCameraServices(m_clock);
+        useSource("videotestsrc is-live=true pattern=solid-color foreground-color=0xff336699");
+    }
+
+    void TearDown() override {
+        qDeleteAll(QApplication::topLevelWidgets());
+        mCodeBaseGlv::pQTGrabber.set(nullptr);
+        mCodeBaseGlv::pVideoGoodToGo = false;
+    }
+
+    static void useSource(const QString& description) {
+        installCameraServices({[description] { return makeGstCameraGrabber(description); }, {}});
+    }
+
+    void setPrefs(const QString& camImgSize, const QString& folder = "Screen Images", int quality = 75,
+                  const QString& useCamera = "FALSE") const {
+        mGeneralSettings::Prefs prefs = mGeneralSettings::defaults();
+        std::tie(prefs.pCamImgSize, prefs.pDestination, prefs.pQuality, prefs.pUseCamera) =
+            std::tuple(camImgSize, m_dir.filePath(folder), quality, useCamera);
+        mGeneralSettings::SavePrefs(mGeneralSettings::toTexts(prefs));
+    }
+
+    // Opens a window from a frame as the capture thread does, and waits until it shows.
+    CameraFrameWindow* open(const QSize& frame, FrameWindowKind kind) {
+        showCameraFrame(pictureOf(quadrantPattern(frame)), kind, m_clock);
+        return shownWindow();
+    }
+
+    // One run of the capture schedule with only the camera wanted.
+    static void captureRun() {
+        mCodeBaseStd::sTakePictures({mGeneralSettings::current(), {}}, *makeScreenGrabber(), systemClock());
+    }
+};
+
+TEST_F(CameraTest, EachSetUpReplacesTheLinkWithOneOfTheSizeThatCamImgSizeSelects) {
+    // videotestsrc's own size, 320 by 240, stays for a word that names no size.
+    const std::pair<QString, QSize> cases[] = {
+        {"SMALL", {200, 150}}, {"LARGE", {800, 600}}, {"HUGE", {320, 240}}};
+    for (const auto& [word, size] : cases) {
+        setPrefs(word);
+        mCodeBaseStd::sSetupVideoForCamera();
+        EXPECT_TRUE(mCodeBaseGlv::pVideoGoodToGo);
+        const std::optional<Picture> frame = newestFrame();
+        ASSERT_TRUE(frame);
+        EXPECT_EQ(imageOf(*frame).size(), size) << word.toStdString();
+        EXPECT_TRUE(closeTo(imageOf(*frame).pixelColor(0, size.height() - 1), QColor(0x33, 0x66, 0x99), 2));
+    }
+    // A camera that stops delivering, as when it is pulled out, stays ready but gives no photograph.
+    useSource("videotestsrc is-live=true num-buffers=15");
+    mCodeBaseStd::sSetupVideoForCamera();
+    ASSERT_TRUE(newestFrame());
+    EXPECT_TRUE(QTest::qWaitFor([] { return !mCodeBaseGlv::pQTGrabber.get()->CurrentFrame(); }, 10000));
+    EXPECT_TRUE(mCodeBaseStd::sTakePhotoViaCamera());
+    EXPECT_EQ(shownWindow(300), nullptr);
+    EXPECT_TRUE(m_presenter.texts().empty());
+}
+
+TEST_F(CameraTest, FrameWindowsTakeTheFrameSizeInScreenPixelsAndCloseThemselvesAfterThreeSeconds) {
+    // Limits 800 and 600. The sizes are even, so that they hold at a device pixel ratio of 2 too.
+    const std::pair<QSize, QSize> cases[] = {
+        {{800, 600}, {800, 600}}, {{801, 600}, {400, 300}}, {{800, 601}, {400, 300}}, {{40, 30}, {64, 64}}};
+    for (const auto& [frame, size] : cases) {
+        CameraFrameWindow* window = open(frame, FrameWindowKind::Output);
+        ASSERT_NE(window, nullptr);
+        EXPECT_EQ(window->size() * window->devicePixelRatio(), size)
+            << frame.width() << "x" << frame.height();
+        closeWindow(window);
+    }
+    QElapsedTimer shown;
+    shown.start();
+    CameraFrameWindow* window = open({804, 600}, FrameWindowKind::OutputSmall);
+    ASSERT_TRUE(window && showsQuadrants(window->grab().toImage())); // the frame stretched to the window
+    ASSERT_TRUE(QTest::qWaitFor([] { return QApplication::topLevelWidgets().isEmpty(); }, 6000));
+    EXPECT_GE(shown.elapsed(), 2500);
+}
+
+TEST_F(CameraTest, AWindowWritesTheWholeFrameWhereAndHowTheSettingsSayWhenItClosesHoweverItCloses) {
+    CameraFrameWindow* window = open({804, 600}, FrameWindowKind::Output);
+    ASSERT_NE(window, nullptr);
+    setPrefs("MEDIUM", "Later", 5);
+    m_clock.set(QDateTime(QDate(2026, 3, 7), QTime(9, 6, 1)));
+    closeWindow(window);
+    // Not the window's half-size view, and no carry from the seconds into the minute.
+    const QString reference = m_dir.filePath("reference.jpg");
+    ASSERT_TRUE(writeProgressiveJpeg(pictureOf(quadrantPattern({804, 600})), 5, reference));
+    EXPECT_EQ(readFile(m_dir.filePath("Later/2026-03-07-09-06--02-Camera.jpg")), readFile(reference));
+    // The end of the program writes the frame on the screen: exit(), unlike quit(), closes no window.
+    setPrefs("MEDIUM", "Later");
+    ASSERT_NE(open({200, 150}, FrameWindowKind::OutputSmall), nullptr);
+    QTimer::singleShot(100, qApp, [] { QCoreApplication::exit(0); });
+    QCoreApplication::exec();
+    EXPECT_EQ(entriesIn(m_dir.filePath("Later")).size(), 2);
+}
+
+TEST_F(CameraTest,
+       CaptureRunsSetTheLinkUpFirstAndThenShowItsNewestFrameInTheWindowOfTheSettingOrWarnWithoutACamera) {
+    setPrefs("SMALL", "Screen Images", 75, "TRUE");
+    captureRun();
+    EXPECT_TRUE(mCodeBaseGlv::pVideoGoodToGo);
+    ASSERT_TRUE(newestFrame());
+    EXPECT_TRUE(QApplication::topLevelWidgets().isEmpty());
+    captureRun();
+    CameraFrameWindow* window = shownWindow();
+    ASSERT_TRUE(dynamic_cast<wOutputSmall*>(window));
+    EXPECT_EQ(window->Pic().width, 200);
+    closeWindow(window);
+    if (!QDir("/dev").entryList({"video*"}, QDir::System).isEmpty()) {
+        GTEST_SKIP() << "this machine has a camera";
+    }
+    installProductCameraServices(m_clock); // the system's camera, of which there is none
+    mCodeBaseStd::sSetupVideoForCamera();
+    EXPECT_FALSE(mCodeBaseGlv::pVideoGoodToGo);
+    captureRun();
+    captureRun();
+    EXPECT_FALSE(mCodeBaseGlv::pVideoGoodToGo);
+    EXPECT_EQ(m_presenter.texts(), std::vector<QString>(3, "No Video Input Device Found ..."));
+    EXPECT_EQ(shownWindow(500), nullptr);
+}
+} // namespace
