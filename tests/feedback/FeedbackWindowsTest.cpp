@@ -110,7 +110,7 @@ TEST(WindowTransition, EachStyleAndSideLooksItsOwnForItsDurationAndLeavesTheWind
     AnimationTime time;
     // Played side by side, so that every frame is taken at one moment of the effects.
     std::vector<std::unique_ptr<QLabel>> windows;
-    std::size_t ended = 0;
+    qsizetype ended = 0;
     for (const QString& play : plays) {
         QLabel& window = *windows.emplace_back(std::make_unique<QLabel>());
         window.setPixmap(picture);
@@ -125,9 +125,9 @@ TEST(WindowTransition, EachStyleAndSideLooksItsOwnForItsDurationAndLeavesTheWind
     time.now = 500;
     time.advance();
     std::vector<QImage> frames;
-    for (std::size_t i = 0; i < plays.size(); ++i) {
+    for (qsizetype i = 0; i < plays.size(); ++i) {
         frames.push_back(windows[i]->grab().toImage());
-        for (std::size_t j = 0; j < std::min<std::size_t>(i, 12); ++j) {
+        for (qsizetype j = 0; j < std::min<qsizetype>(i, 12); ++j) {
             EXPECT_EQ(frames[i] == frames[j], (i == 12 && j == 11) || (i == 13 && j == 5))
                 << qPrintable(plays[i]) << " against " << qPrintable(plays[j]);
         }
@@ -135,7 +135,7 @@ TEST(WindowTransition, EachStyleAndSideLooksItsOwnForItsDurationAndLeavesTheWind
     time.now = 1990;
     time.advance();
     QCoreApplication::sendPostedEvents();
-    EXPECT_EQ(ended, 0u) << "the caller goes on only when the effect is over";
+    EXPECT_EQ(ended, 0) << "the caller goes on only when the effect is over";
     time.now = 2010;
     time.advance();
     EXPECT_TRUE(QTest::qWaitFor([&] { return ended == plays.size(); }));
