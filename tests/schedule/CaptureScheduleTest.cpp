@@ -122,6 +122,9 @@ TEST(CaptureSchedule, TheIntervalTimerArmsOnlyWithTheGoFlagAndAnIntervalAboveZer
     zero.save(7);
     zero.schedule.ResetCountsAfterPrefs();
     EXPECT_EQ(zero.run(8), "(7) 6 5 4 (4) (4) (4) 7");
+    zero.save(3); // a new interval restarts the running timer
+    zero.schedule.ResetCountsAfterPrefs();
+    EXPECT_EQ(zero.run(3), "(3) (3) 3");
     Schedule huge(INT32_MAX);
     EXPECT_EQ(huge.run(1), "2147483646");
     EXPECT_EQ(huge.snapShot.periodMs, 2147483647000);
@@ -180,7 +183,7 @@ TEST(WindowSettings, RestoredFrameKeepsTheWindowReachable) {
     const std::pair<mScreenSettings::Geometry, QRect> cases[] = {
         {{0, 0, 0, 0}, {20, 60, 200, 193}}, // first start
         {{193, 200, 20, 59}, {20, 60, 200, 193}},
-        {{400, 300, -1200, -1}, {-1200, -1, 300, 400}}, // a screen to the left and above
+        {{100, 300, -1200, -1}, {-1200, -1, 300, 193}}, // a screen to the left and above
     };
     for (const auto& [stored, frame] : cases) {
         EXPECT_EQ(restoredFrame(stored, QSize(200, 193)), frame) << stored.pWinLeft << ", " << stored.pWinTop;

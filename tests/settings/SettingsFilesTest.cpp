@@ -105,10 +105,9 @@ TEST_F(Stores, FirstStartWritesTheDefaultsWhereItCan) {
     EXPECT_FALSE(LoadPrefs());
     EXPECT_EQ(readFile(path(kGeneral)), kDefaultPreferencesFile);
     EXPECT_EQ(entriesIn(m_dir.path()), QStringList{kGeneral}) << "no temporary file is left behind";
-    // With no place for the file, memory still changes.
     platform::setApplicationFolder(path("missing"));
     EXPECT_THROW(SavePrefs(defaultsWith({{0, "2"}})), NilObjectException);
-    EXPECT_EQ(current().pInterval, 2);
+    EXPECT_EQ(current().pInterval, 2) << "with no place for the file memory still changes";
     EXPECT_THROW(LoadPrefs(), NilObjectException) << "no file and no way to make one";
     EXPECT_EQ(toTexts(current()), defaultsWith({}));
 }
@@ -146,15 +145,15 @@ TEST_F(Stores, SaveWritesWhatLoadReadsBack) {
     mScreenSettings::SavePrefs({480, 640, -1200, 19});
     EXPECT_EQ(readFile(path(kScreen)), "<pWinHeight>480</pWinHeight>\n<pWinWidth>640</pWinWidth>\n"
                                        "<pWinLeft>-1200</pWinLeft>\n<pWinTop>19</pWinTop>\n");
+    ASSERT_TRUE(QFile::remove(path(kScreen)));
+    mScreenSettings::LoadPrefs();
+    EXPECT_EQ(mScreenSettings::current().pWinHeight, 480) << "without a file the values stay";
+    EXPECT_EQ(entriesIn(m_dir.path()), QStringList{kGeneral}) << "loading writes nothing";
     ASSERT_TRUE(writeFile(path(kScreen), "<pWinHeight>tall</pWinHeight>\n<pWinWidth>640px</pWinWidth>\n"
                                          "<pWinLeft>-1200</pWinLeft>\n<pWinTop>19</pWinTop>"));
     mScreenSettings::LoadPrefs();
     const mScreenSettings::Geometry g = mScreenSettings::current();
     EXPECT_EQ(QRect(g.pWinLeft, g.pWinTop, g.pWinWidth, g.pWinHeight), QRect(-1200, 19, 640, 0));
-    ASSERT_TRUE(QFile::remove(path(kScreen)));
-    mScreenSettings::LoadPrefs();
-    EXPECT_EQ(mScreenSettings::current().pWinWidth, 640) << "without a file the values stay";
-    EXPECT_EQ(entriesIn(m_dir.path()), QStringList{kGeneral}) << "loading writes nothing";
 }
 
 TEST_F(Stores, AFullDiskLeavesTheOldFileWhole) {

@@ -30,9 +30,7 @@ protected:
         ASSERT_TRUE(activate(m_window));
     }
 
-    template <typename T = QLineEdit> T* get(const QString& name) const {
-        return m_window->findChild<T*>(name);
-    }
+    template <typename T = QLineEdit> T* get(const char* name) const { return m_window->findChild<T*>(name); }
 
     // Replaces a field's text by typing, as the user would.
     void retype(const char* name, const QString& text) {
@@ -43,13 +41,12 @@ protected:
     }
 
     // Clicks a check box or radio button on its mark, which is what takes clicks.
-    void tick(const QString& name) {
+    void tick(const char* name) {
         auto* button = get<QAbstractButton>(name);
         QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(6, button->height() / 2));
     }
 
     void click(const char* name) { QTest::mouseClick(get<QPushButton>(name), Qt::LeftButton); }
-    bool closed() const { return m_window.isNull() || !m_window->isVisible(); }
     QLabel* countDown() const { return m_main->sttCountDown(); }
 
     QPointer<wGeneralSettings> m_window;
@@ -63,7 +60,7 @@ TEST_F(SettingsWindowTest, EditsReachTheStoreAndTheMainWindowOnlyBySave) {
     retype("edtInterval", "60");
     tick("chkShowCountdown");
     click("btnCancel");
-    EXPECT_TRUE(closed());
+    EXPECT_TRUE(!m_window || !m_window->isVisible());
     EXPECT_FALSE(App().pSpecialWindowOpen);
     EXPECT_EQ(readBinFile(kFile), file);
     EXPECT_EQ(std::pair(countDown()->text(), countDown()->isVisible()), label);
@@ -100,7 +97,7 @@ TEST_F(SettingsWindowTest, EditsReachTheStoreAndTheMainWindowOnlyBySave) {
         tick(control);
     }
     click("btnSave");
-    EXPECT_TRUE(closed());
+    EXPECT_TRUE(!m_window || !m_window->isVisible());
     EXPECT_FALSE(App().pSpecialWindowOpen);
     EXPECT_EQ(
         readBinFile(kFile).toStdString(),
@@ -129,7 +126,7 @@ TEST_F(SettingsWindowTest, StoredValuesShowWholeAndSaveWritesThemUnchanged) {
         writePrefs(prefs);
         const QByteArray file = readBinFile(kFile);
         open();
-        for (const QString radio : {"rb1_0", "rb1_1", "rb1_2"}) {
+        for (const char* radio : {"rb1_0", "rb1_1", "rb1_2"}) {
             EXPECT_EQ(get<QRadioButton>(radio)->isChecked(), radio == button) << word.toStdString();
         }
         QTest::keyClicks(get("edtInterval"), "8");
