@@ -12,20 +12,14 @@
 
 #include <gtest/gtest.h>
 
-#include <climits>
 #include <string>
 
 namespace {
 // A timer counted in whole seconds, restarted wherever QtScheduleTimer restarts its QTimer.
 struct Timer final : ScheduleTimer {
     bool enabled() const override { return on; }
-    void setEnabled(bool value) override {
-        on = value;
-        left = periodMs / 1000;
-    }
-    void setPeriodMs(std::int64_t value) override {
-        left = std::exchange(periodMs, value) == value ? left : value / 1000;
-    }
+    void setEnabled(bool value) override { on = value, left = periodMs / 1000; }
+    void setPeriodMs(std::int64_t v) override { left = std::exchange(periodMs, v) == v ? left : v / 1000; }
     // Counts off a second; true when that ends the period.
     bool fires() { return on && periodMs > 0 && --left == 0 && (left = periodMs / 1000) > 0; }
     bool on = false;
@@ -67,7 +61,6 @@ struct Schedule final : ScheduleHost {
         return labels;
     }
     std::string label() const { return visible ? text : "(" + text + ")"; }
-
     void setCountDownVisible(bool value) override { visible = value; }
     void setCountDownText(const QString& value) override { text = value.toStdString(); }
     void refresh() override { steps += "refresh "; }
@@ -75,14 +68,13 @@ struct Schedule final : ScheduleHost {
     void showLogoPicture() override { steps += "logo "; }
     void drawNoteIcon() override { steps += "note "; }
     void resetDockIcon() override { steps += "reset "; }
-    void speak(const QString& phrase) override {
-        heard += phrase.toStdString() + "@" + std::to_string(second) + " ";
+    void speak(const QString& what) override {
+        heard += what.toStdString() + '@' + std::to_string(second) + ' ';
     }
     void startCaptureRun() override {
         steps += "capture ";
         speak("capture");
     }
-
     QTemporaryDir folder;
     mGeneralSettings::Prefs prefs = mGeneralSettings::defaults();
     int second = 0;
@@ -104,7 +96,6 @@ TEST(CaptureSchedule, CountsDownWarnsAtFourAndCapturesAtTheInterval) {
     };
     for (const auto& [interval, warning, shown, seconds, labels, heard] : cases) {
         Schedule s(interval, warning, shown);
-        EXPECT_EQ(s.text, std::to_string(interval));
         EXPECT_EQ(s.run(seconds), labels);
         EXPECT_EQ(s.heard, heard) << "interval " << interval;
     }
@@ -131,19 +122,19 @@ TEST(CaptureSchedule, TheIntervalTimerArmsOnlyWithTheGoFlagAndAnIntervalAboveZer
 }
 
 TEST(CaptureSchedule, ABusyWindowOrAPauseFreezesTheCountAndLosesTheExpiry) {
-    for (const bool pause : {false, true}) {
+    for (const bool paused : {false, true}) {
         Schedule s(60, "TRUE", "FALSE");
-        const auto hold = [&](bool on) {
-            pause ? s.schedule.setPaused(on) : s.app.pSpecialWindowOpen.store(on);
+        const auto set = [&](bool on) {
+            paused ? s.schedule.setPaused(on) : s.app.pSpecialWindowOpen.store(on);
         };
         s.run(10);
-        hold(true);
+        set(true);
         s.steps.clear();
         s.run(55);
         // A pause says so even where the countdown is hidden; the expiry at 60 is lost.
-        EXPECT_EQ(s.label() + s.steps + s.heard, pause ? "Paused" : "(50)");
-        hold(false);
-        EXPECT_EQ(s.run(1), "(49)") << "the count goes on from where it stood; pause " << pause;
+        EXPECT_EQ(s.label() + s.steps + s.heard, paused ? "Paused" : "(50)");
+        set(false);
+        EXPECT_EQ(s.run(1), "(49)") << "the count goes on from where it stood; pause " << paused;
     }
 }
 
@@ -162,8 +153,7 @@ TEST(CaptureSchedule, AnExpiryFlashesAndMarksAroundTheCaptureAndAnnouncesOnlyARe
     s.prefs.pUseCamera = "FALSE";
     s.save(10);
     s.run(10);
-    EXPECT_EQ(s.heard, "Say Cheese@10 capture@10 capture@20 capture@30 ")
-        << "the phrase only for a camera in use that is ready";
+    EXPECT_EQ(s.heard, "Say Cheese@10 capture@10 capture@20 capture@30 ") << "only for a ready camera in use";
 }
 
 TEST(QtScheduleTimer, RunsOnlyWhileEnabledWithAPeriodAboveZero) {
@@ -176,7 +166,7 @@ TEST(QtScheduleTimer, RunsOnlyWhileEnabledWithAPeriodAboveZero) {
     EXPECT_EQ(std::tuple(beforeEnabled, enabled, timer.enabled(), timer.isFiring()),
               std::tuple(false, true, true, false));
     timer.setPeriodMs(std::int64_t{1} << 40);
-    EXPECT_EQ(timer.timer().interval(), INT_MAX);
+    EXPECT_EQ(timer.timer().interval(), INT32_MAX);
 }
 
 TEST(WindowSettings, RestoredFrameKeepsTheWindowReachable) {

@@ -18,7 +18,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <optional>
+#include <thread>
 #include <vector>
 
 using namespace mGeneralSettings;
@@ -27,12 +29,10 @@ namespace {
 const QString kGeneral = QStringLiteral("KestrelviewPreferences.ini");
 const QString kScreen = QStringLiteral("KestrelviewScreen.ini");
 
-TEST(TagFile, RecordsAreFoundByTheirTagsInAnyCase) {
+TEST(TagFile, ValuesReadByTheRules) {
+    // Records (line, key, value): found by their tags in any case.
     const std::tuple<QString, QString, QString> cases[] = {
-        // line, key, value
         {"<PINTERVAL>300</pinterval>", "pInterval", "300"},
-        {"<pTextToSpeak>a<b>c</pTextToSpeak>", "pTextToSpeak", "a<b>c"},
-        {"<k>a</k>b</k>", "k", "a"},
         {"junk <k>  7 </k> more<k>2</k>", "k", "  7 "},
         {"<k>300", "k", ""},
         // Without an open tag the value starts where one at the line's start would have ended.
@@ -42,26 +42,20 @@ TEST(TagFile, RecordsAreFoundByTheirTagsInAnyCase) {
     for (const auto& [line, key, value] : cases) {
         EXPECT_EQ(mCodeBaseStd::fParseXMLTypeFile(line, key), value) << line.toStdString();
     }
-}
-
-TEST(TagFile, NumbersAreTheLeadingNumberTruncatedAndHeldAtTheLimits) {
-    const QString nines(400, u'9');
-    const std::pair<std::int32_t, std::vector<QString>> cases[] = {
-        {0, {"abc", "", "-", ".5", "- 5", "2e-1", "0x10", "1e-400", "0." + QString(400, u'0') + "1", "٣"}},
-        {7, {"007", "7.9", "7abc", "  +7", "70e-1", "7e"}},
-        {-7, {"-7.9"}},
-        {150, {"1.5E2", "1.5e+2x"}},
+    // Numbers: the leading number, truncated and held at the limits.
+    const QString nines(400, u'9'), tiny = "0." + QString(400, u'0') + "1";
+    const std::pair<std::int32_t, std::vector<QString>> numbers[] = {
+        {0, {"abc", "", "-", ".5", "-0.5", "- 5", "2e-1", "0x10", "1e-400", tiny, "٣"}},
+        {7, {"007", "7.9", "7abc", "  +7", "70e-1", "0.7E1", "7e+0x", "7e"}},
         {INT32_MAX, {"2147483647.9", "2147483648", "1e400", "1e99999999999999999999", "0.0001e400", nines}},
         {INT32_MIN, {"-2147483648", "-2147483649", "-1e400", "-" + nines}},
     };
-    for (const auto& [expected, texts] : cases) {
+    for (const auto& [expected, texts] : numbers) {
         for (const QString& text : texts) {
             EXPECT_EQ(valToInt32(text), expected) << text.left(30).toStdString();
         }
     }
-}
-
-TEST(TagFile, OnlyTrueInAnyCaseSetsAFlagAndEachCameraSizeWordItsSize) {
+    // Flags: only TRUE in any case; camera size words, without regard to case.
     for (const char* set : {"TRUE", "true", "tRuE"}) {
         EXPECT_TRUE(isFlagSet(set)) << set;
     }
@@ -78,7 +72,6 @@ TEST(TagFile, OnlyTrueInAnyCaseSetsAFlagAndEachCameraSizeWordItsSize) {
     }
 }
 
-// The defaults as SavePrefs takes them, with some values replaced.
 PrefsTexts defaultsWith(std::initializer_list<std::pair<int, QString>> changes) {
     PrefsTexts texts = toTexts(defaults());
     for (const auto& [index, text] : changes) {
@@ -97,7 +90,6 @@ protected:
     }
     void TearDown() override { platform::setApplicationFolder(QString()); }
     QString path(const QString& name) const { return m_dir.filePath(name); }
-
     QTemporaryDir m_dir;
 };
 
@@ -106,21 +98,33 @@ TEST_F(Stores, FirstStartWritesTheDefaultsWhereItCan) {
     EXPECT_EQ(readFile(path(kGeneral)), kDefaultPreferencesFile);
     EXPECT_EQ(entriesIn(m_dir.path()), QStringList{kGeneral}) << "no temporary file is left behind";
     platform::setApplicationFolder(path("missing"));
-    EXPECT_THROW(SavePrefs(defaultsWith({{0, "2"}})), NilObjectException);
-    EXPECT_EQ(current().pInterval, 2) << "with no place for the file memory still changes";
     EXPECT_THROW(LoadPrefs(), NilObjectException) << "no file and no way to make one";
-    EXPECT_EQ(toTexts(current()), defaultsWith({}));
+    // With no place for the file each save still changes memory, which readers see whole.
+    const PrefsTexts first = defaultsWith({}), second = defaultsWith({{0, "2"}, {6, "2"}});
+    std::atomic<bool> done = false;
+    std::thread reader([&] {
+        while (!done) {
+            const PrefsTexts seen = toTexts(current());
+            EXPECT_TRUE(seen == first || seen == second);
+        }
+    });
+    for (int i = 1; i <= 2000; ++i) {
+        EXPECT_THROW(SavePrefs(i % 2 ? first : second), NilObjectException);
+    }
+    done = true;
+    reader.join();
+    EXPECT_EQ(toTexts(current()), second);
 }
 
-TEST_F(Stores, DamagedFilesAreBelievedAsTheyReadAndNeverRepaired) {
+TEST_F(Stores, FilesAreReadAsTheyStandAndWrittenWhole) {
+    // Damaged files are believed as they read, and never repaired.
     const QByteArray& file = kDefaultPreferencesFile;
-    QByteArray crlf = file, beyond = file;
-    crlf.replace("\n", "\r\n");
+    QByteArray beyond = file;
     beyond.replace("300", "2").replace("75", "500").replace("Say Cheese", "a<b>c").replace("MEDIUM", "large");
     const std::tuple<const char*, QByteArray, PrefsTexts> cases[] = {
         {"empty", "", toTexts({})},
         {"blank first line: each key reads the line above its own", "\n" + file, toTexts({})},
-        {"CRLF line ends", crlf, defaultsWith({})},
+        {"CRLF line ends", QByteArray(file).replace("\n", "\r\n"), defaultsWith({})},
         {"stray bytes before the first record", "\xff\xfe" + file, defaultsWith({})},
         {"values beyond the window's limits", beyond,
          defaultsWith({{0, "2"}, {2, "500"}, {6, "a<b>c"}, {10, "large"}})},
@@ -131,15 +135,13 @@ TEST_F(Stores, DamagedFilesAreBelievedAsTheyReadAndNeverRepaired) {
         EXPECT_EQ(toTexts(current()), expected) << name;
         EXPECT_EQ(readFile(path(kGeneral)), bytes) << name;
     }
-}
-
-TEST_F(Stores, SaveWritesWhatLoadReadsBack) {
+    // What Save writes, Load reads back.
     const QString folder = QString::fromUtf8("/home/ĝis/Bilder 画像");
     const QString speech = QString::fromUtf8("Скажи «сыр» 🧀");
     SavePrefs(defaultsWith({{0, "007"}, {1, folder}, {2, "12abc"}, {6, speech}}));
-    QByteArray file = kDefaultPreferencesFile;
-    file.replace("300", "7").replace("Screen Images", folder.toUtf8()).replace("75", "12");
-    EXPECT_EQ(readFile(path(kGeneral)), file.replace("Say Cheese", speech.toUtf8()));
+    QByteArray saved = kDefaultPreferencesFile;
+    saved.replace("300", "7").replace("Screen Images", folder.toUtf8()).replace("75", "12");
+    EXPECT_EQ(readFile(path(kGeneral)), saved.replace("Say Cheese", speech.toUtf8()));
     ASSERT_TRUE(LoadPrefs());
     EXPECT_EQ(toTexts(current()), defaultsWith({{0, "7"}, {1, folder}, {2, "12"}, {6, speech}}));
     mScreenSettings::SavePrefs({480, 640, -1200, 19});
@@ -171,15 +173,16 @@ TEST_F(Stores, AFullDiskLeavesTheOldFileWhole) {
 
 TEST_F(Stores, DeveloperFileCountsOnlyItsFirstLine) {
     const QString file = path("QuorlDeveloper.ini");
-    // Each case must reset what the one before found.
+    // Each case must reset what the one before found; "" stands for a folder that cannot be opened.
     const std::tuple<std::optional<QByteArray>, bool, QString> cases[] = {
         {"<pDEV_FTPUsageUpload>TRUE</pDEV_FTPUsageUpload>\n", true, "TRUE"},
         {std::nullopt, false, "FALSE"},
         {"\n<pDEV_FTPUsageUpload>TRUE</pDEV_FTPUsageUpload>\n", true, ""},
+        {"", true, "FALSE"},
     };
     for (const auto& [bytes, present, upload] : cases) {
         QFile::remove(file);
-        ASSERT_TRUE(!bytes || writeFile(file, *bytes));
+        ASSERT_TRUE(!bytes || (bytes->isEmpty() ? QDir().mkdir(file) : writeFile(file, *bytes)));
         mCodeBaseStd::sLoadDeveloperFile();
         EXPECT_EQ(mProgramInfo::pDeveloperFileStatus, present) << upload.toStdString();
         EXPECT_EQ(mProgramInfo::pDevFTPUploadStatus, upload) << upload.toStdString();
