@@ -3,319 +3,180 @@
 #include "base/mCodeBaseGlv.h"
 #include "base/mProgramInfo.h"
 #include "platform/FolderItem.h"
+#include "schedule/QtScheduleTimer.h"
 #include "schedule/ScheduleHost.h"
-#include "schedule/ScheduleTimer.h"
+#include "schedule/WindowSettings.h"
 #include "settings/mGeneralSettings.h"
 
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <stdexcept>
 #include <string>
-#include <vector>
 
 namespace {
-class FakeTimer final : public ScheduleTimer {
-public:
+// A timer counted in whole seconds, restarted wherever QtScheduleTimer restarts its QTimer.
+struct Timer final : ScheduleTimer {
     bool enabled() const override { return on; }
-    void setEnabled(bool value) override { on = value; }
-    void setPeriodMs(std::int64_t value) override { periodMs = value; }
-
+    void setEnabled(bool value) override { on = value, left = periodMs / 1000; }
+    void setPeriodMs(std::int64_t v) override { left = std::exchange(periodMs, v) == v ? left : v / 1000; }
+    // Counts off a second; true when that ends the period.
+    bool fires() { return on && periodMs > 0 && --left == 0 && (left = periodMs / 1000) > 0; }
     bool on = false;
-    std::int64_t periodMs = 1000;
+    std::int64_t periodMs = 1000, left = 0;
 };
 
-class RecordingHost final : public ScheduleHost {
-public:
-    void setCountDownVisible(bool value) override {
-        visible = value;
-        events.push_back(value ? "show" : "hide");
-    }
-    void setCountDownText(const QString& value) override {
-        text = value;
-        events.push_back("text:" + value.toStdString());
-    }
-    void refresh() override { events.push_back("refresh"); }
-    void showWhitePicture() override { events.push_back("white"); }
-    void showLogoPicture() override { events.push_back("logo"); }
-    void drawNoteIcon() override { events.push_back("note"); }
-    void resetDockIcon() override { events.push_back("reset"); }
-    void speak(const QString& phrase) override {
-        spoken.push_back(phrase.toStdString());
-        events.push_back("speak:" + phrase.toStdString());
-    }
-    void startCaptureRun() override {
-        ++captures;
-        events.push_back("capture");
-        if (failCapture) {
-            throw std::runtime_error("no thread");
-        }
-    }
-
-    std::vector<std::string> events;
-    std::vector<std::string> spoken;
-    QString text;
-    bool visible = false;
-    int captures = 0;
-    bool failCapture = false;
-};
-
-class CaptureScheduleTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ASSERT_TRUE(m_folder.isValid());
-        platform::setApplicationFolder(m_folder.path());
+// The schedule as the main window starts it, and what the user sees and hears of it: the countdown
+// label, the window's pictures and marks in order, and the second of each phrase and capture.
+struct Schedule final : ScheduleHost {
+    explicit Schedule(int interval, const char* warn = "TRUE", const char* shown = "TRUE", bool go = true) {
+        platform::setApplicationFolder(folder.path());
         mProgramInfo::SetConstants();
-        App().pActivateSnapShotTimer = true;
-        App().pSpecialWindowOpen = false;
-        mCodeBaseGlv::pVideoGoodToGo = false;
-        setPrefs([](mGeneralSettings::Prefs&) {});
-    }
-
-    void setPrefs(const std::function<void(mGeneralSettings::Prefs&)>& change) {
-        mGeneralSettings::Prefs prefs = mGeneralSettings::defaults();
-        change(prefs);
-        mGeneralSettings::SavePrefs(mGeneralSettings::toTexts(prefs));
-    }
-
-    void setInterval(std::int32_t seconds) {
-        setPrefs([&](mGeneralSettings::Prefs& prefs) { prefs.pInterval = seconds; });
-    }
-
-    // As the main window's open does it.
-    void arm() {
+        app.pActivateSnapShotTimer = go;
+        prefs.pThreeSecondWarning = warn;
+        prefs.pShowCountdown = shown;
+        save(interval);
         schedule.SetupCountDownTimer();
         schedule.SetupSnapShotTimer();
     }
-
-    void tick(int count = 1) {
-        for (int i = 0; i < count; ++i) {
-            schedule.CountDownAction();
-        }
+    void save(std::int32_t interval) {
+        prefs.pInterval = interval;
+        mGeneralSettings::SavePrefs(mGeneralSettings::toTexts(prefs));
     }
-
-    QTemporaryDir m_folder;
-    FakeTimer countDown;
-    FakeTimer snapShot;
-    RecordingHost host;
-    CaptureSchedule schedule{countDown, snapShot, host, App()};
+    // Runs the clock on by whole seconds; what the label showed after each.
+    std::string run(int seconds) {
+        std::string labels;
+        for (int i = 0; i < seconds; ++i) {
+            ++second;
+            // A timer armed during this second's tick is not due in it.
+            const bool tick = countDown.fires(), expiry = snapShot.fires();
+            if (tick) {
+                schedule.CountDownAction();
+            }
+            if (expiry) {
+                schedule.SnapShotAction();
+            }
+            labels += (i ? " " : "") + label();
+        }
+        return labels;
+    }
+    std::string label() const { return visible ? text : "(" + text + ")"; }
+    void setCountDownVisible(bool value) override { visible = value; }
+    void setCountDownText(const QString& value) override { text = value.toStdString(); }
+    void refresh() override { steps += "refresh "; }
+    void showWhitePicture() override { steps += "white "; }
+    void showLogoPicture() override { steps += "logo "; }
+    void drawNoteIcon() override { steps += "note "; }
+    void resetDockIcon() override { steps += "reset "; }
+    void speak(const QString& what) override {
+        heard += what.toStdString() + '@' + std::to_string(second) + ' ';
+    }
+    void startCaptureRun() override {
+        steps += "capture ";
+        speak("capture");
+    }
+    QTemporaryDir folder;
+    mGeneralSettings::Prefs prefs = mGeneralSettings::defaults();
+    int second = 0;
+    std::string text, steps, heard;
+    bool visible = false;
+    Timer countDown, snapShot;
+    AppState app;
+    CaptureSchedule schedule{countDown, snapShot, *this, app};
 };
 
-TEST_F(CaptureScheduleTest, CountsDownWarnsAtFourAndHidesTheLastThreeSeconds) {
-    setInterval(10);
-    arm();
-    ASSERT_TRUE(snapShot.on);
-    EXPECT_EQ(snapShot.periodMs, 10000);
-    EXPECT_EQ(host.text, "10");
-
-    const std::vector<std::pair<QString, bool>> expected = {
-        {"9", true}, {"8", true},  {"7", true},  {"6", true},  {"5", true},
-        {"4", true}, {"4", false}, {"4", false}, {"4", false}, // the text stays as the label goes
+TEST(CaptureSchedule, CountsDownWarnsAtFourAndCapturesAtTheInterval) {
+    const std::tuple<std::int32_t, const char*, const char*, int, const char*, const char*> cases[] = {
+        // interval, warning, shown, seconds run, the label after each second, what was heard when
+        {10, "TRUE", "TRUE", 20, "9 8 7 6 5 4 (4) (4) (4) 10 9 8 7 6 5 4 (4) (4) (4) 10",
+         "In Three Seconds@6 capture@10 In Three Seconds@16 capture@20 "},
+        {5, "TRUE", "TRUE", 5, "4 (4) (4) (4) 5", "In Three Seconds@1 capture@5 "},
+        {4, "TRUE", "TRUE", 4, "(4) (4) (4) 4", "capture@4 "},
+        {6, "FALSE", "FALSE", 7, "(5) (4) (4) (4) (4) (6) (5)", "capture@6 "}, // hidden, it still counts
     };
-    for (const auto& [text, visible] : expected) {
-        tick();
-        EXPECT_EQ(host.text, text);
-        EXPECT_EQ(host.visible, visible) << "at label " << text.toStdString();
-    }
-    EXPECT_EQ(host.spoken, std::vector<std::string>{"In Three Seconds"});
-    EXPECT_EQ(schedule.pTimCountDownLoop(), -9);
-}
-
-TEST_F(CaptureScheduleTest, WarningDependsOnIntervalAndSetting) {
-    struct Case {
-        std::int32_t interval;
-        const char* warning;
-        std::size_t spoken;
-    };
-    const Case cases[] = {
-        {6, "TRUE", 1}, {5, "TRUE", 1}, // 5: the very first tick already stands at 4
-        {4, "TRUE", 0}, {3, "TRUE", 0}, {300, "true", 1}, {10, "FALSE", 0}, {10, "yes", 0}, {10, "", 0},
-    };
-    for (const Case& c : cases) {
-        host.spoken.clear();
-        setPrefs([&](mGeneralSettings::Prefs& prefs) {
-            prefs.pInterval = c.interval;
-            prefs.pThreeSecondWarning = c.warning;
-        });
-        schedule.SnapShotAction();
-        tick(c.interval);
-        EXPECT_EQ(host.spoken.size(), c.spoken) << "interval " << c.interval << " warning " << c.warning;
+    for (const auto& [interval, warning, shown, seconds, labels, heard] : cases) {
+        Schedule s(interval, warning, shown);
+        EXPECT_EQ(s.run(seconds), labels);
+        EXPECT_EQ(s.heard, heard) << "interval " << interval;
     }
 }
 
-TEST_F(CaptureScheduleTest, HiddenCountdownStillCounts) {
-    setPrefs([](mGeneralSettings::Prefs& prefs) {
-        prefs.pInterval = 20;
-        prefs.pShowCountdown = "FALSE";
-    });
-    arm();
-    tick(5);
-    EXPECT_FALSE(host.visible);
-    EXPECT_EQ(host.text, "15");
+TEST(CaptureSchedule, TheIntervalTimerArmsOnlyWithTheGoFlagAndAnIntervalAboveZero) {
+    Schedule s(30, "TRUE", "TRUE", false);
+    EXPECT_EQ(s.run(3), "(30) (30) (30)");
+    s.app.pActivateSnapShotTimer = true; // the update check has ended
+    EXPECT_EQ(s.run(2), "(30) 29") << "the tick that arms the interval timer is not counted";
+    s.run(30);
+    EXPECT_EQ(s.heard, "In Three Seconds@30 capture@34 ");
+    Schedule zero(0);
+    EXPECT_EQ(zero.run(3), "(0) (0) (0)");
+    zero.save(7);
+    zero.schedule.ResetCountsAfterPrefs();
+    EXPECT_EQ(zero.run(8), "(7) 6 5 4 (4) (4) (4) 7");
+    zero.save(3); // a new interval restarts the running timer
+    zero.schedule.ResetCountsAfterPrefs();
+    EXPECT_EQ(zero.run(3), "(3) (3) 3");
+    Schedule huge(INT32_MAX);
+    EXPECT_EQ(huge.run(1), "2147483646");
+    EXPECT_EQ(huge.snapShot.periodMs, 2147483647000);
 }
 
-TEST_F(CaptureScheduleTest, WithoutTheGoFlagNothingCountsAndEveryTickRetries) {
-    App().pActivateSnapShotTimer = false;
-    setInterval(30);
-    arm();
-    EXPECT_FALSE(snapShot.on);
-    tick(3);
-    EXPECT_FALSE(snapShot.on);
-    EXPECT_EQ(schedule.pTimCountDownLoop(), 0);
-    EXPECT_EQ(host.text, "30");
-
-    App().pActivateSnapShotTimer = true; // the update check has ended
-    tick();
-    EXPECT_TRUE(snapShot.on);
-    EXPECT_EQ(snapShot.periodMs, 30000);
-    EXPECT_EQ(schedule.pTimCountDownLoop(), 0) << "the arming tick itself is not counted";
-    tick();
-    EXPECT_EQ(host.text, "29");
-}
-
-TEST_F(CaptureScheduleTest, IntervalOfZeroNeverArmsUntilAPositiveOneIsSaved) {
-    setInterval(0);
-    arm();
-    tick(5);
-    EXPECT_FALSE(snapShot.on);
-    EXPECT_EQ(host.text, "0");
-
-    setInterval(7);
-    schedule.ResetCountsAfterPrefs();
-    EXPECT_EQ(snapShot.periodMs, 7000);
-    EXPECT_EQ(host.text, "7");
-    EXPECT_FALSE(snapShot.on);
-    tick();
-    EXPECT_TRUE(snapShot.on);
-}
-
-TEST_F(CaptureScheduleTest, BusyFlagFreezesTheCountdownAndLosesExpiries) {
-    setInterval(60);
-    arm();
-    tick(10);
-    const std::size_t before = host.events.size();
-
-    App().pSpecialWindowOpen = true;
-    tick(5);
-    schedule.SnapShotAction();
-    EXPECT_EQ(host.events.size(), before) << "nothing happens while a special window is open";
-    EXPECT_EQ(host.captures, 0);
-
-    App().pSpecialWindowOpen = false;
-    tick();
-    EXPECT_EQ(host.text, "49") << "the count goes on from where it stood";
-}
-
-TEST_F(CaptureScheduleTest, PauseFreezesTheCountdownUnderItsOwnWordUntilResumed) {
-    setPrefs([](mGeneralSettings::Prefs& prefs) {
-        prefs.pInterval = 60;
-        prefs.pShowCountdown = "FALSE";
-    });
-    arm();
-    tick(10);
-
-    schedule.setPaused(true);
-    EXPECT_EQ(host.text, "Paused");
-    EXPECT_TRUE(host.visible) << "the label says so even where the countdown is hidden";
-    tick(5);
-    schedule.SnapShotAction();
-    EXPECT_EQ(host.text, "Paused");
-    EXPECT_EQ(host.captures, 0);
-    EXPECT_TRUE(snapShot.on) << "the interval timer keeps its rhythm";
-
-    schedule.setPaused(false);
-    EXPECT_EQ(host.text, "50");
-    EXPECT_FALSE(host.visible);
-    tick();
-    EXPECT_EQ(host.text, "49") << "the count goes on from where it stood";
-    schedule.SnapShotAction();
-    EXPECT_EQ(host.captures, 1);
-}
-
-TEST_F(CaptureScheduleTest, ExpiryMarksStartsTheRunAndRestartsTheCountdown) {
-    setInterval(12);
-    arm();
-    tick(4);
-    host.events.clear();
-
-    schedule.SnapShotAction();
-    const std::vector<std::string> expected = {"white", "refresh", "note",    "capture", "reset",
-                                               "logo",  "refresh", "text:12", "show"};
-    EXPECT_EQ(host.events, expected);
-    EXPECT_TRUE(countDown.on);
-    EXPECT_EQ(countDown.periodMs, 1000);
-    EXPECT_EQ(schedule.pTimCountDownLoop(), 0);
-    EXPECT_TRUE(snapShot.on) << "the interval timer keeps its rhythm";
-}
-
-TEST_F(CaptureScheduleTest, PhraseOnlyForACameraThatIsReady) {
-    struct Case {
-        const char* useCamera;
-        bool ready;
-        bool spoken;
-    };
-    for (const Case c : {Case{"TRUE", true, true}, Case{"true", true, true}, Case{"TRUE", false, false},
-                         Case{"FALSE", true, false}}) {
-        host.spoken.clear();
-        setPrefs([&](mGeneralSettings::Prefs& prefs) {
-            prefs.pUseCamera = c.useCamera;
-            prefs.pTextToSpeak = "Smile";
-        });
-        mCodeBaseGlv::pVideoGoodToGo = c.ready;
-        schedule.SnapShotAction();
-        EXPECT_EQ(host.spoken == std::vector<std::string>{"Smile"}, c.spoken)
-            << c.useCamera << " ready " << c.ready;
+TEST(CaptureSchedule, ABusyWindowOrAPauseFreezesTheCountAndLosesTheExpiry) {
+    for (const bool paused : {false, true}) {
+        Schedule s(60, "TRUE", "FALSE");
+        const auto set = [&](bool on) {
+            paused ? s.schedule.setPaused(on) : s.app.pSpecialWindowOpen.store(on);
+        };
+        s.run(10);
+        set(true);
+        s.steps.clear();
+        s.run(55);
+        // A pause says so even where the countdown is hidden; the expiry at 60 is lost.
+        EXPECT_EQ(s.label() + s.steps + s.heard, paused ? "Paused" : "(50)");
+        set(false);
+        EXPECT_EQ(s.run(1), "(49)") << "the count goes on from where it stood; pause " << paused;
     }
 }
 
-TEST_F(CaptureScheduleTest, ShorterIntervalHidesTheLabelUntilTheNextCapture) {
-    setInterval(300);
-    arm();
-    tick(100);
-    setInterval(60);
-    schedule.ResetCountsAfterPrefs();
-    EXPECT_EQ(host.text, "60");
-    EXPECT_EQ(snapShot.periodMs, 60000);
-    host.spoken.clear();
-    tick();
-    EXPECT_FALSE(host.visible);
-    tick(60);
-    EXPECT_TRUE(host.spoken.empty()) << "no warning for this capture";
-    EXPECT_EQ(schedule.pTimCountDownLoop(), -161);
+TEST(CaptureSchedule, AnExpiryFlashesAndMarksAroundTheCaptureAndAnnouncesOnlyAReadyCamera) {
+    Schedule s(10, "FALSE");
+    s.prefs.pUseCamera = "TRUE";
+    s.save(10);
+    s.run(9);
+    s.steps.clear();
+    mCodeBaseGlv::pVideoGoodToGo = true;
+    EXPECT_EQ(s.run(1), "10");
+    EXPECT_EQ(s.steps, "refresh white refresh note capture reset logo refresh ");
+    mCodeBaseGlv::pVideoGoodToGo = false;
+    s.run(10);
+    mCodeBaseGlv::pVideoGoodToGo = true;
+    s.prefs.pUseCamera = "FALSE";
+    s.save(10);
+    s.run(10);
+    EXPECT_EQ(s.heard, "Say Cheese@10 capture@10 capture@20 capture@30 ") << "only for a ready camera in use";
 }
 
-TEST_F(CaptureScheduleTest, LongerIntervalJumpsTheCount) {
-    setInterval(60);
-    arm();
-    tick(50);
-    setInterval(300);
-    schedule.ResetCountsAfterPrefs();
-    EXPECT_EQ(host.text, "300");
-    tick();
-    EXPECT_EQ(host.text, "249");
-    EXPECT_TRUE(host.visible);
+TEST(QtScheduleTimer, RunsOnlyWhileEnabledWithAPeriodAboveZero) {
+    QtScheduleTimer timer;
+    timer.setPeriodMs(20);
+    const bool beforeEnabled = timer.isFiring();
+    timer.setEnabled(true);
+    const bool enabled = timer.isFiring();
+    timer.setPeriodMs(0); // a zero period would fire without pause
+    EXPECT_EQ(std::tuple(beforeEnabled, enabled, timer.enabled(), timer.isFiring()),
+              std::tuple(false, true, true, false));
+    timer.setPeriodMs(std::int64_t{1} << 40);
+    EXPECT_EQ(timer.timer().interval(), INT32_MAX);
 }
 
-TEST_F(CaptureScheduleTest, FailedRunStartIsSilentAndLeavesTheCountdownOff) {
-    setInterval(10);
-    arm();
-    host.failCapture = true;
-    EXPECT_NO_THROW(schedule.SnapShotAction());
-    EXPECT_FALSE(countDown.on);
-    EXPECT_EQ(host.events.back(), "capture") << "the remaining steps are skipped";
-
-    host.failCapture = false;
-    schedule.SnapShotAction();
-    EXPECT_TRUE(countDown.on) << "the next expiry gets through";
-}
-
-TEST_F(CaptureScheduleTest, HugeIntervalDoesNotOverflow) {
-    setInterval(2147483647);
-    arm();
-    EXPECT_EQ(snapShot.periodMs, 2147483647000LL);
-    tick();
-    EXPECT_EQ(host.text, "2147483646");
+TEST(WindowSettings, RestoredFrameKeepsTheWindowReachable) {
+    const std::pair<mScreenSettings::Geometry, QRect> cases[] = {
+        {{0, 0, 0, 0}, {20, 60, 200, 193}}, // first start
+        {{193, 200, 20, 59}, {20, 60, 200, 193}},
+        {{100, 300, -1200, -1}, {-1200, -1, 300, 193}}, // a screen to the left and above
+    };
+    for (const auto& [stored, frame] : cases) {
+        EXPECT_EQ(restoredFrame(stored, QSize(200, 193)), frame) << stored.pWinLeft << ", " << stored.pWinTop;
+    }
 }
 } // namespace
