@@ -15,21 +15,15 @@ public:
 
     QDateTime now() const override {
         std::lock_guard lock(m_mutex);
-        ++m_reads;
         return std::exchange(m_now, m_now.addSecs(m_step));
     }
     void set(const QDateTime& now) {
         std::lock_guard lock(m_mutex);
         m_now = now;
     }
-    int reads() const {
-        std::lock_guard lock(m_mutex);
-        return m_reads;
-    }
 
 private:
     mutable std::mutex m_mutex;
     mutable QDateTime m_now;
-    mutable int m_reads = 0;
     int m_step;
 };
