@@ -1,51 +1,31 @@
 #include "app/Menu.h"
 #include "app/ProgramFixture.h"
-#include "base/AppState.h"
-#include "base/mCodeBaseGlv.h"
 #include "slideshow/wMovie.h"
+#include "support/Files.h"
 
-#include <QDir>
-#include <QImage>
 #include <QListWidget>
-#include <QMenu>
-#include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QTest>
-
-#include <gtest/gtest.h>
+#include <QScreen>
 
 namespace {
-class MovieWindowTest : public ProgramTest {
-protected:
-    void SetUp() override {
-        ProgramTest::SetUp();
-        ASSERT_TRUE(QDir(m_dir.path()).mkdir("Screen Images"));
-        mGeneralSettings::Prefs prefs = quietPrefs();
-        prefs.pDestination = m_dir.filePath("Screen Images");
-        writePrefs(prefs);
-        mCodeBaseGlv::pMainScreenWidth = 1280;
-        mCodeBaseGlv::pMainScreenHeight = 800;
-        QImage image(640, 480, QImage::Format_RGB32);
-        image.fill(Qt::darkCyan);
-        ASSERT_TRUE(image.save(prefs.pDestination + "/2026-03-07-21-00-05-0.jpg") &&
-                    image.save(prefs.pDestination + "/2026-03-07-21-00-00-Camera.jpg"));
-        openMainWindow();
-    }
-};
-
-TEST_F(MovieWindowTest, FromTheMenuThroughTheWorkerToTheArchiveAndClosed) {
+TEST_F(ProgramTest, TheMovieWindowWorksFromTheMenuThroughTheWorkerToTheArchiveAndCloses) {
+    const QString pictures = m_dir.filePath("Screen Images");
+    mGeneralSettings::Prefs prefs = quietPrefs();
+    prefs.pDestination = pictures;
+    writePrefs(prefs);
+    openMainWindow();
+    QImage image(640, 480, QImage::Format_RGB32);
+    image.fill(Qt::darkCyan);
+    ASSERT_TRUE(QDir().mkdir(pictures) && image.save(pictures + "/2026-03-07-21-00-05-0.jpg") &&
+                image.save(pictures + "/2026-03-07-21-00-00-Camera.jpg"));
     ASSERT_TRUE(activate(m_main.get()));
-    // Opened as the user opens it, so that the item is live.
-    QMenu* tools = Menu::instance()->item("ToolsMenu")->menu();
-    tools->popup(QPoint(0, 0));
+    Menu::instance()->trayMenu()->popup(QPoint(0, 0)); // the item is live once a menu opens
+    Menu::instance()->trayMenu()->hide();
     Menu::instance()->item("ToolsCreateSlideshowMovie")->trigger();
-    tools->hide();
     QPointer<wMovie> window = wMovie::instance();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
-    EXPECT_EQ(window->windowTitle(), "Create QuickTime Movie / Slideshow");
-    EXPECT_EQ(window->geometry(), QRect(469, 180, 342, 440));
-    EXPECT_TRUE(App().pSpecialWindowOpen);
+    EXPECT_EQ(window->geometry().center(), QGuiApplication::primaryScreen()->geometry().center());
     auto* list = window->findChild<QListWidget*>("List");
     ASSERT_EQ(list->count(), 2);
     EXPECT_EQ(list->item(0)->text(), "2026-03-07-21-00-00-Camera.jpg"); // by name, so by time
@@ -57,18 +37,16 @@ TEST_F(MovieWindowTest, FromTheMenuThroughTheWorkerToTheArchiveAndClosed) {
     auto* button = window->findChild<QPushButton*>("pb1");
     QTest::mouseClick(button, Qt::LeftButton);
     EXPECT_FALSE(button->isEnabled());
-    // A close during the work waits for its end.
-    window->close();
+    window->close(); // during the work, it waits for the work's end
     EXPECT_TRUE(window->isVisible());
-
-    QTRY_VERIFY_WITH_TIMEOUT(window.isNull(), 120000);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.isNull(); }, 120000));
     EXPECT_FALSE(App().pSpecialWindowOpen);
     EXPECT_EQ(progress, QStringList({"1/2", "2/2"}));
     EXPECT_TRUE(m_presenter.texts().empty());
     // The two pictures and the movie, in the archive beside the emptied destination.
-    const QStringList archives = QDir(m_dir.path()).entryList({"Screen ImagesArchive_*"}, QDir::Dirs);
+    const QStringList archives = QDir(m_dir.path()).entryList({"Screen ImagesArchive_*"});
     ASSERT_EQ(archives.size(), 1);
-    EXPECT_EQ(QDir(m_dir.filePath(archives[0])).entryList({"*.jpg", "*.mov"}, QDir::Files).size(), 3);
-    EXPECT_TRUE(QDir(m_dir.filePath("Screen Images")).isEmpty());
+    EXPECT_EQ(entriesIn(m_dir.filePath(archives[0])).filter(QRegularExpression(R"(\.(jpg|mov)$)")).size(), 3);
+    EXPECT_TRUE(entriesIn(pictures).isEmpty());
 }
 } // namespace
