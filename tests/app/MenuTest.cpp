@@ -1,15 +1,41 @@
+// The program in-process: its menus and commands, its windows beside the main one, and how they look.
 #include "app/Menu.h"
 #include "app/ProgramFixture.h"
 #include "app/wAbout.h"
 #include "settings/wGeneralSettings.h"
+#include "slideshow/wMovie.h"
 #include "support/Files.h"
+#include "support/Pixels.h"
+#include "update/wAutoUpdate.h"
 
 #include <QLabel>
 #include <QMenu>
 
 namespace {
+// A few pixels that differ are glyph edges that another rasteriser puts elsewhere; a moved or cut
+// control changes far more. KV_UPDATE_REFERENCES=1 rewrites the references and the screenshots in
+// docs/ instead.
+void expectLooksLikeReference(QWidget* window, const QString& name) {
+    const QImage actual = window->grab().toImage();
+    const QString reference = QString(KV_REFERENCE_DIR) + '/' + name + ".png";
+    if (qEnvironmentVariableIsSet("KV_UPDATE_REFERENCES")) {
+        EXPECT_TRUE(actual.save(reference) && actual.save(QString(KV_SCREENSHOT_DIR) + '/' + name + ".png"));
+        return;
+    }
+    const QImage expected(reference);
+    EXPECT_TRUE(expected.size() == actual.size() &&
+                differingPixels(actual, expected, 48).outside <= actual.width() * actual.height() / 250)
+        << name.toStdString() << " differs from its reference; see "
+        << (actual.save(name + "-actual.png"), QDir::current().filePath(name + "-actual.png").toStdString());
+}
+
 class MenuTest : public ProgramTest {
 protected:
+    void SetUp() override {
+        ProgramTest::SetUp();
+        writePrefs(quietPrefs());
+    }
+
     static QAction* item(const char* name) { return Menu::instance()->item(name); }
 
     // Opening a menu works out again which items are live.
@@ -26,8 +52,7 @@ protected:
 
     template <typename W> static W* activeAfterFlip() {
         EXPECT_EQ(qobject_cast<W*>(QApplication::activeWindow()), nullptr) << "only after the flip";
-        EXPECT_TRUE(
-            QTest::qWaitFor([] { return qobject_cast<W*>(QApplication::activeWindow()) != nullptr; }, 10000));
+        EXPECT_TRUE(QTest::qWaitFor([] { return qobject_cast<W*>(QApplication::activeWindow()); }, 10000));
         return qobject_cast<W*>(QApplication::activeWindow());
     }
 };
@@ -46,7 +71,6 @@ TEST_F(MenuTest, ItemsAreLiveWhereTheirHandlersAreBoundAndQuitKeepsThePlaceAfter
                                                          {"Help", true, true},
                                                          {"EditCopy", false, false},
                                                          {"UntitledSeparator", false, false}};
-    writePrefs(quietPrefs());
     openMainWindow();
     m_main->move(300, 240);
     ASSERT_TRUE(activate(m_main.get()));
@@ -86,10 +110,9 @@ TEST_F(MenuTest, ItemsAreLiveWhereTheirHandlersAreBoundAndQuitKeepsThePlaceAfter
     const QPoint corner = m_main->pos();
     choose("QVTPreferences");
     QTest::keyClick(activeAfterFlip<wGeneralSettings>(), Qt::Key_Q, Qt::ControlModifier);
-    EXPECT_TRUE(m_main->isVisible() && !QFile::exists(binPath("KestrelviewScreen.ini")))
-        << "the effect first";
+    EXPECT_TRUE(m_main->isVisible() && readBinFile("KestrelviewScreen.ini").isEmpty()) << "the effect first";
     EXPECT_TRUE(QTest::qWaitFor([&] { return !m_main->isVisible(); }, 10000));
-    EXPECT_EQ(readFile(binPath("KestrelviewScreen.ini")),
+    EXPECT_EQ(readBinFile("KestrelviewScreen.ini"),
               QString("<pWinHeight>193</pWinHeight>\n<pWinWidth>200</pWinWidth>\n<pWinLeft>%1</pWinLeft>\n"
                       "<pWinTop>%2</pWinTop>\n")
                   .arg(corner.x())
@@ -98,7 +121,6 @@ TEST_F(MenuTest, ItemsAreLiveWhereTheirHandlersAreBoundAndQuitKeepsThePlaceAfter
 
 TEST_F(MenuTest, TheTrayPausesResumesCapturesNowAndStartsAtLogin) {
     qputenv("XDG_CONFIG_HOME", m_dir.path().toUtf8());
-    writePrefs(quietPrefs());
     openMainWindow();
     for (const bool paused : {true, false}) {
         item("TrayPause")->trigger();
@@ -127,21 +149,47 @@ TEST_F(MenuTest, QuitFromTheTrayWithTheMainWindowHiddenStartsNoCaptureWhileItClo
     item("FileQuit")->trigger();
     m_runner.waitForRuns();
     const QStringList before = entriesIn(pictures);
+    item("TrayCaptureNow")->trigger();
     // The effect lasts longer than the interval.
-    EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(binPath("KestrelviewScreen.ini")); }, 10000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !readBinFile("KestrelviewScreen.ini").isEmpty(); }, 10000));
     m_runner.waitForRuns();
     EXPECT_EQ(entriesIn(pictures), before);
 }
 
-TEST(MenuCommands, TheActiveWindowGoesFirstAndFalseLetsTheApplicationHaveItsTurn) {
-    for (const bool windowTakesIt : {true, false}) {
-        QStringList calls;
-        MenuHandlers window;
-        MenuHandlers application;
-        window.AddMenuHandler("HelpAbout", [&] { return calls << "window", windowTakesIt; });
-        application.AddMenuHandler("HelpAbout", [&] { return calls << "application", true; });
-        EXPECT_TRUE(fDispatchMenuItem("HelpAbout", application, &window));
-        EXPECT_EQ(calls.size(), windowTakesIt ? 1 : 2) << calls.join(',').toStdString();
+// The way out of a window that suspends the schedule is a button that ends the suspension, not
+// Escape, and for the movie window also the close box.
+TEST_F(MenuTest, EscapeNeverClosesOnlyButtonsEndTheSuspensionAndTheWindowsLookAsTheirReferences) {
+    const std::tuple<const char*, std::function<QWidget*()>, bool, bool, bool> dialogs[] = {
+        // suspends, the default button closes it, still suspended after the close box
+        {"about", [] { return wAbout::instance(); }, true, true, true},
+        {"settings", [] { return wGeneralSettings::instance(); }, true, true, true},
+        {"movie", [] { return wMovie::instance(); }, true, false, false},
+        {"download", [] { return wAutoUpdate::instance(); }, false, false, false}};
+    openMainWindow();
+    m_main->sttCountDown()->setText("300"); // whatever the countdown has reached meanwhile
+    for (const auto& [name, open, suspends, enterCloses, suspendedAfterCloseBox] : dialogs) {
+        SCOPED_TRACE(name);
+        QPointer<QWidget> window = open();
+        ASSERT_TRUE(activate(window));
+        EXPECT_EQ(App().pSpecialWindowOpen, suspends);
+        QTest::keyClick(window, Qt::Key_Escape);
+        EXPECT_TRUE(window->isVisible());
+        if (enterCloses) { // from the keypad too
+            QTest::keyClick(window, Qt::Key_Enter, Qt::KeypadModifier);
+            EXPECT_TRUE((window.isNull() || !window->isVisible()) && !App().pSpecialWindowOpen);
+            ASSERT_TRUE(activate(window = open()));
+        }
+        window->close(); // the close box
+        EXPECT_TRUE(QTest::qWaitFor([&] { return window.isNull() || !window->isVisible(); }, 10000));
+        EXPECT_EQ(App().pSpecialWindowOpen, suspendedAfterCloseBox);
+        App().pSpecialWindowOpen = false;
+    }
+    // Fresh windows, filled in again.
+    EXPECT_EQ(wAbout::instance()->findChild<QLabel*>("sttVersion")->text(), "1.7.0 - Linux - 15072010_1800");
+    for (const auto& [window, name] : {std::pair<QWidget*, const char*>{m_main.get(), "main-window"},
+                                       {wAbout::instance(), "about-window"},
+                                       {wGeneralSettings::instance(), "settings-window"}}) {
+        expectLooksLikeReference(window, name);
     }
 }
 } // namespace
