@@ -16,8 +16,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 namespace {
 // The real writer, with its movie refusing to open, or else to flatten.
 class FailingWriter final : public MovieWriter {
@@ -135,21 +133,19 @@ TEST_F(SlideshowTest, MakesTheMovieAndMovesItWithThePicturesIntoTheArchiveBeside
 
 // No failure of the movie stops the archiving, and no temporary file is left.
 TEST_F(SlideshowTest, AFailedMovieIsWarnedAboutAndThePicturesAreArchivedAnyway) {
-    const std::tuple<std::function<std::unique_ptr<MovieWriter>()>, bool, QString, QString> cases[] = {
-        {[] { return std::make_unique<NullMovieWriter>(); }, true, "Screen Images", "Error: \n-38"},
-        {[] { return makeMovieWriter(); }, false, "Screen Images", "Error: \n-22"},
-        {[] { return std::make_unique<FailingWriter>(false); }, true, "Screen Images",
-         "Failed to Create Movie File ..."},
-        {[] { return std::make_unique<FailingWriter>(true); }, true, "Screen Images",
-         "Failed to Flatten Movie ..."},
-        // The archive goes inside a destination that ends in a separator.
-        {[] { return std::make_unique<NullMovieWriter>(); }, true, "Screen Images/", "Error: \n-38"},
-    };
+    const auto none = std::make_shared<NullMovieWriter>();
+    // The last: the archive goes inside a destination that ends in a separator.
+    const std::tuple<std::shared_ptr<MovieWriter>, bool, QString, QString> cases[] = {
+        {none, true, "Screen Images", "Error: \n-38"},
+        {makeMovieWriter(), false, "Screen Images", "Error: \n-22"},
+        {std::make_shared<FailingWriter>(false), true, "Screen Images", "Failed to Create Movie File ..."},
+        {std::make_shared<FailingWriter>(true), true, "Screen Images", "Failed to Flatten Movie ..."},
+        {none, true, "Screen Images/", "Error: \n-38"}};
     for (const auto& [writer, pictures, destination, warning] : cases) {
         SCOPED_TRACE(warning.toStdString() + " in " + destination.toStdString());
         ASSERT_TRUE(QDir(m_root.path()).mkpath("Screen Images"));
         const std::vector<QString> files = pictures ? twoPictures() : std::vector<QString>{};
-        assemble(*writer(), files, m_root.filePath(destination));
+        assemble(*writer, files, m_root.filePath(destination));
         EXPECT_EQ(m_presenter.texts().back(), warning);
         const QString archive = m_root.filePath(destination + "Archive_2026-03-07-21-07");
         EXPECT_TRUE(QDir(archive).exists() && entriesIn(archive).size() == qsizetype(files.size()));
