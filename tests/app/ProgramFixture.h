@@ -30,6 +30,7 @@ protected:
         platform::setApplicationFolder(m_dir.filePath("bin"));
         mCodeBaseStd::sGetMainScreenResolution();
         mProgramInfo::SetConstants();
+        App().pActivateSnapShotTimer = false;
         App().pSpecialWindowOpen = false;
         _ApplicationAddMenuHandlers();
     }
