@@ -87,7 +87,8 @@ TEST_F(MenuTest, ItemsAreLiveWhereTheirHandlersAreBoundAndQuitKeepsThePlaceAfter
     choose("HelpAbout");
     EXPECT_TRUE(QTest::qWaitForWindowActive(about) && wAbout::instance() == about &&
                 App().pSpecialWindowOpen);
-    // The about window has no handlers for these, so the application's take them; twice is once.
+    // No window has handlers for these, so the application's take them; twice is once.
+    ASSERT_TRUE(activate(m_main.get()));
     for (const char* name : {"ToolsHideMainWindow", "ToolsHideMainWindow", "ToolsShowMainWindow"}) {
         choose(name);
         EXPECT_EQ(m_main->isVisible(), QByteArray(name).contains("Show")) << name;
