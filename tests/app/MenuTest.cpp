@@ -87,14 +87,7 @@ TEST_F(MenuTest, ItemsAreLiveWhereTheirHandlersAreBoundAndQuitKeepsThePlaceAfter
     choose("HelpAbout");
     EXPECT_TRUE(QTest::qWaitForWindowActive(about) && wAbout::instance() == about &&
                 App().pSpecialWindowOpen);
-    // No window has handlers for these, so the application's take them; twice is once.
     ASSERT_TRUE(activate(m_main.get()));
-    for (const char* name : {"ToolsHideMainWindow", "ToolsHideMainWindow", "ToolsShowMainWindow"}) {
-        choose(name);
-        EXPECT_EQ(m_main->isVisible(), QByteArray(name).contains("Show")) << name;
-    }
-    choose("ToolsShowMainWindow");
-    EXPECT_TRUE(QTest::qWaitForWindowActive(m_main.get()));
 
     // The pages go to the desktop's URL handler; a stand-in for it notes what it was given.
     const QString log = m_dir.filePath("opened");
@@ -120,9 +113,17 @@ TEST_F(MenuTest, ItemsAreLiveWhereTheirHandlersAreBoundAndQuitKeepsThePlaceAfter
                   .arg(corner.y()));
 }
 
-TEST_F(MenuTest, TheTrayPausesResumesCapturesNowAndStartsAtLogin) {
+TEST_F(MenuTest, TheTrayShowsHidesPausesResumesCapturesNowAndStartsAtLogin) {
     qputenv("XDG_CONFIG_HOME", m_dir.path().toUtf8());
     openMainWindow();
+    // No window has handlers for these, so the application's take them; twice is once.
+    ASSERT_TRUE(activate(m_main.get()));
+    for (const char* name : {"ToolsHideMainWindow", "ToolsHideMainWindow", "ToolsShowMainWindow"}) {
+        choose(name);
+        EXPECT_EQ(m_main->isVisible(), QByteArray(name).contains("Show")) << name;
+    }
+    choose("ToolsShowMainWindow");
+    EXPECT_TRUE(QTest::qWaitForWindowActive(m_main.get()));
     for (const bool paused : {true, false}) {
         item("TrayPause")->trigger();
         EXPECT_EQ(m_main->sttCountDown()->text() == "Paused", paused);
