@@ -1,80 +1,238 @@
-// Starts the real program from a copy of its application folder, as a user would.
-#include "app/RealProgram.h"
+// The real program, started from a copy of its application folder as a user would: on an X display
+// with two monitors, and on a headless Wayland desktop (support/wayland-session.sh) with two outputs
+// read through the desktop portal.
 #include "support/DefaultPreferences.h"
+#include "support/Files.h"
+#include "support/Pixels.h"
+#include "support/Printers.h"
 
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QDir>
-#include <QFile>
-#include <QGuiApplication>
 #include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
 #include <QRegularExpression>
-#include <QScreen>
+#include <QTemporaryDir>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 namespace {
-const QString kDefaultPreferences = QString::fromUtf8(kDefaultPreferencesFile);
+const QByteArray kPlace =
+    "<pWinHeight>193</pWinHeight>\n<pWinWidth>200</pWinWidth>\n<pWinLeft>300</pWinLeft>\n"
+    "<pWinTop>200</pWinTop>\n";
 
-class EndToEnd : public RealProgramTest {
-protected:
-    // The window's inside is the menu bar over the logo's area.
-    void expectLogoAreaAt(const xtest::Window& window, const QRect& logoArea) {
-        const QRect inside = m_x.frame(window);
-        EXPECT_EQ(inside.topLeft(), logoArea.topLeft());
-        EXPECT_EQ(inside.width(), logoArea.width());
-        EXPECT_GT(inside.height(), logoArea.height()) << "no room for the menu bar";
-        EXPECT_LT(inside.height(), logoArea.height() + 60);
+// Every picture is named for its screen, counted from 0, and has its size; the screens it found.
+std::set<int> expectScreenFiles(const QString& folder, const QList<QSize>& sizes) {
+    const QRegularExpression name(R"(^\d{4}-\d\d-\d\d-\d\d-\d\d-\d\d-(\d)\.jpg$)");
+    std::set<int> screens;
+    for (const QString& file : entriesIn(folder)) { // and no temporary file left behind
+        const auto match = name.match(file);
+        screens.insert(match.captured(1).toInt());
+        EXPECT_TRUE(match.hasMatch()) << file.toStdString();
+        EXPECT_EQ(QImage(folder + '/' + file).size(), sizes.value(match.captured(1).toInt()))
+            << file.toStdString();
     }
-
-    QStringList pictures() const { return RealProgramTest::pictures(m_bin + "/Screen Images"); }
-};
-
-TEST_F(EndToEnd, FirstStartWritesDefaultsAndRemembersTheWindow) {
-    start();
-    const auto window = mainWindow();
-    ASSERT_TRUE(window.has_value()) << "the main window never came up";
-    EXPECT_EQ(readAll(m_bin + "/KestrelviewPreferences.ini"), kDefaultPreferences);
-    expectLogoAreaAt(*window, QRect(20, 60, 200, 193));
-    EXPECT_FALSE(QFile::exists(m_bin + "/KestrelviewScreen.ini")) << "written only at close";
-
-    closeAndWait(*window);
-    EXPECT_EQ(readAll(m_bin + "/KestrelviewScreen.ini"),
-              "<pWinHeight>193</pWinHeight>\n<pWinWidth>200</pWinWidth>\n<pWinLeft>20</pWinLeft>\n"
-              "<pWinTop>60</pWinTop>\n");
+    return screens;
 }
 
-TEST_F(EndToEnd, CapturesEveryScreenOnScheduleAndRestoresThePlace) {
-    QString prefs = kDefaultPreferences;
-    prefs.replace("<pInterval>300<", "<pInterval>2<")
-        .replace("<pUpdateAtStartup>TRUE<", "<pUpdateAtStartup>FALSE<");
-    writeText(m_bin + "/KestrelviewPreferences.ini", prefs);
-    writeText(m_bin + "/KestrelviewScreen.ini",
-              "<pWinHeight>0</pWinHeight>\n<pWinWidth>0</pWinWidth>\n<pWinLeft>300</pWinLeft>\n<pWinTop>200</"
-              "pWinTop>\n");
-
-    start();
-    const auto window = mainWindow();
-    ASSERT_TRUE(window.has_value());
-    expectLogoAreaAt(*window, QRect(300, 200, 200, 193));
-
-    const QList<QScreen*> screens = QGuiApplication::screens();
-    ASSERT_EQ(screens.size(), 2) << "the test display has two monitors";
-    EXPECT_TRUE(waitFor([&] { return pictures().size() >= 4; }, 20000)) << "two runs of two screens";
-    closeAndWait(*window);
-
-    const QRegularExpression name(R"(^\d{4}-\d\d-\d\d-\d\d-\d\d-\d\d-([01])\.jpg$)");
-    const QStringList files = pictures();
-    ASSERT_GE(files.size(), 4);
-    for (const QString& file : files) {
-        const auto match = name.match(file);
-        ASSERT_TRUE(match.hasMatch()) << file.toStdString();
-        const QImage image(m_bin + "/Screen Images/" + file);
-        const QScreen* screen = match.captured(1) == "0" ? QGuiApplication::primaryScreen() : screens.last();
-        EXPECT_EQ(image.size(), screen->geometry().size()) << file.toStdString();
+// The shells of the program's windows, as the Wayland compositor knows them.
+QStringList programWindows(QJsonObject node = {}) {
+    if (node.isEmpty()) {
+        QProcess sway;
+        sway.start("swaymsg", {"-r", "-t", "get_tree"});
+        sway.waitForFinished(10000);
+        node = QJsonDocument::fromJson(sway.readAllStandardOutput()).object();
     }
-    EXPECT_TRUE(QDir(m_bin + "/Screen Images").entryList({".*"}, QDir::Files | QDir::Hidden).isEmpty())
-        << "no temporary file is left behind";
-    EXPECT_EQ(readAll(m_bin + "/KestrelviewScreen.ini"),
-              "<pWinHeight>193</pWinHeight>\n<pWinWidth>200</pWinWidth>\n<pWinLeft>300</pWinLeft>\n"
-              "<pWinTop>200</pWinTop>\n");
+    QStringList shells;
+    if (node.value("app_id").toString() == "com.kestrelview.Kestrelview") {
+        shells << node.value("shell").toString();
+    }
+    for (const char* children : {"nodes", "floating_nodes"}) {
+        for (const QJsonValue child : node.value(children).toArray()) {
+            shells += programWindows(child.toObject());
+        }
+    }
+    return shells;
+}
+
+// A set taken from now on has names of its own.
+void nextSecond() {
+    const int second = QTime::currentTime().second();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return QTime::currentTime().second() != second; }, 2000));
+}
+
+// In a session of its own: its own runtime folder and session bus.
+class EndToEnd : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(QProcess::execute("cp", {"-r", KV_APP_DIR, m_appFolder}), 0);
+        m_environment.insert("XDG_RUNTIME_DIR", m_temp.path()); // private to its owner, as it must be
+        m_bus.start("dbus-daemon", {"--session", "--nofork", "--print-address=1"});
+        ASSERT_TRUE(m_bus.waitForReadyRead(10000)) << "no session bus";
+        m_environment.insert("DBUS_SESSION_BUS_ADDRESS", QString::fromLatin1(m_bus.readLine()).trimmed());
+    }
+
+    void TearDown() override {
+        for (QProcess* process : {&m_process, &m_bus}) {
+            process->kill();
+            process->waitForFinished();
+        }
+    }
+
+    // The first instance; unless `prefs` is empty, on the default settings with these changed.
+    void start(const QList<std::pair<QString, QString>>& prefs, const QStringList& command = {}) {
+        QString text = QString::fromUtf8(kDefaultPreferencesFile);
+        for (const auto& [name, value] : prefs) {
+            text.replace(QRegularExpression('<' + name + ">.*<"), '<' + name + '>' + value + '<');
+        }
+        ASSERT_TRUE(prefs.isEmpty() || writeFile(m_bin + "/KestrelviewPreferences.ini", text.toUtf8()));
+        m_process.setProcessEnvironment(m_environment);
+        m_process.setProcessChannelMode(QProcess::ForwardedChannels);
+        m_process.start(command.isEmpty() ? m_bin + "/kestrelview" : command[0], command.mid(1));
+        ASSERT_TRUE(m_process.waitForStarted());
+    }
+
+    // A later start, which ends by itself: its exit code; its error output goes to m_errors.
+    int runOnce(const QString& argument, const QString& bus = {}) {
+        QProcessEnvironment environment = m_environment;
+        environment.insert("DBUS_SESSION_BUS_ADDRESS",
+                           bus.isEmpty() ? m_environment.value("DBUS_SESSION_BUS_ADDRESS") : bus);
+        QProcess process;
+        process.setProcessEnvironment(environment);
+        process.start(m_bin + "/kestrelview", QStringList{argument}.filter(QRegularExpression(".")));
+        const bool ended = process.waitForFinished(30000);
+        m_errors = QString::fromLocal8Bit(process.readAllStandardError());
+        return ended && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    }
+
+    void quit() {
+        EXPECT_EQ(runOnce("--quit"), 0);
+        ASSERT_TRUE(m_process.waitForFinished(15000));
+        EXPECT_TRUE(m_process.exitStatus() == QProcess::NormalExit && m_process.exitCode() == 0);
+    }
+
+    // The pictures in `folder`, once there are at least `count` of them or the wait is over.
+    static QStringList pictures(const QString& folder, qsizetype count = 0) {
+        const auto names = [&] { return QDir(folder).entryList({"*.jpg"}, QDir::Files, QDir::Name); };
+        std::ignore = QTest::qWaitFor([&] { return names().size() >= count; }, 30000);
+        return names();
+    }
+
+    QTemporaryDir m_temp;
+    const QString m_appFolder = m_temp.filePath("Copied Kestrelview");
+    const QString m_bin = m_appFolder + "/bin";
+    const QString m_pictures = m_bin + "/Screen Images";
+    QProcessEnvironment m_environment = QProcessEnvironment::systemEnvironment();
+    QProcess m_process;
+    QProcess m_bus;
+    QString m_errors;
+};
+
+// The X display's monitors, as tests/app/CMakeLists.txt lays them out: the primary first.
+const QList<QSize> kMonitors = {{1280, 1024}, {1024, 768}};
+
+TEST_F(EndToEnd, LaterStartsHandTheirRequestsToTheRunningInstanceWhichCapturesEveryScreen) {
+    ASSERT_TRUE(
+        writeFile(m_bin + "/KestrelviewScreen.ini",
+                  QByteArray(kPlace).replace(">193<", ">0<").replace(">200</pWinWidth", ">0</pWinWidth")));
+    start({{"pUpdateAtStartup", "FALSE"}, {"pHideWindow", "TRUE"}, {"pUseSpeech", "FALSE"}});
+    const QString bus = m_environment.value("DBUS_SESSION_BUS_ADDRESS");
+    const QDBusConnection connection = QDBusConnection::connectToBus(bus, bus);
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return connection.interface()->isServiceRegistered("com.kestrelview.Kestrelview").value(); },
+        15000));
+    ASSERT_EQ(runOnce("--resume"), 0); // of a schedule that runs, which changes nothing
+    ASSERT_EQ(runOnce("--capture-now"), 0);
+    ASSERT_EQ(pictures(m_pictures, 2).size(), 2) << "one set of two screens";
+    EXPECT_EQ(runOnce(""), 0); // shows the window
+    EXPECT_EQ(runOnce("", "unix:path=" + m_temp.filePath("no-bus")), 1);
+    EXPECT_TRUE(m_errors.contains("without a session bus")) << m_errors.toStdString();
+    nextSecond();
+    for (const char* paused : {"--pause", "--capture-now", "--resume"}) {
+        ASSERT_EQ(runOnce(paused), 0) << paused;
+    }
+    nextSecond();
+    ASSERT_EQ(runOnce("--capture-now"), 0);
+    pictures(m_pictures, 4);
+    quit();
+    const QStringList files = pictures(m_pictures);
+    ASSERT_EQ(files.size(), 4) << "no capture while paused";
+    EXPECT_EQ(expectScreenFiles(m_pictures, kMonitors), (std::set{0, 1}));
+    EXPECT_EQ(readFile(m_bin + "/KestrelviewScreen.ini"), kPlace) << "the place restored and kept";
+    const QImage hidden(m_pictures + '/' + files[0]);
+    const QImage shown(m_pictures + '/' + files[2]);
+    EXPECT_GT(differingPixels(hidden, shown, 48, QRect(300, 200, 200, 193)).inside, 200 * 193 / 4)
+        << "the second start showed the window";
+}
+
+TEST_F(EndToEnd, AFirstStartFromAFolderThatCannotBeWrittenKeepsItsFilesWithTheUser) {
+    const QString home = m_temp.filePath("home");
+    m_environment.insert("HOME", home);
+    m_environment.remove("XDG_CONFIG_HOME");
+    ASSERT_TRUE(writeFile(home + "/.config/user-dirs.dirs", "XDG_PICTURES_DIR=\"$HOME/Bilder\"\n"));
+    // Root writes wherever the file modes say no, so the folder is a read-only mount of its own.
+    start({}, {"unshare", "-m", "sh", "-c",
+               R"(mount --bind "$0" "$0" && mount -o remount,bind,ro "$0" "$0" && exec "$0/bin/kestrelview")",
+               m_appFolder});
+    const QString settings = home + "/.config/Kestrelview/";
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return readFile(settings + "KestrelviewPreferences.ini") == kDefaultPreferencesFile; }, 15000));
+    ASSERT_EQ(runOnce("--capture-now"), 0);
+    EXPECT_EQ(pictures(home + "/Bilder/Kestrelview/Screen Images", 2).size(), 2);
+    EXPECT_FALSE(QFile::exists(settings + "KestrelviewScreen.ini")) << "written at close";
+    quit();
+    EXPECT_EQ(readFile(settings + "KestrelviewScreen.ini"),
+              QByteArray(kPlace).replace(">300<", ">20<").replace(">200</pWinTop", ">60</pWinTop"));
+    EXPECT_EQ(entriesIn(m_bin), QStringList{"kestrelview"});
+}
+
+// In the desktop's session: its runtime folder holds the compositor's socket, its bus the portal.
+class Wayland : public EndToEnd {
+protected:
+    void startProgram(const char* primaryOnly) {
+        for (const char* name : {"XDG_RUNTIME_DIR", "DBUS_SESSION_BUS_ADDRESS"}) {
+            m_environment.insert(name, qEnvironmentVariable(name));
+        }
+        start({{"pInterval", "2"}, {"pUpdateAtStartup", "FALSE"}, {"pPrimaryOnly", primaryOnly}});
+        ASSERT_TRUE(QTest::qWaitFor([] { return !programWindows().isEmpty(); }, 15000))
+            << "no window came up";
+    }
+};
+
+TEST_F(Wayland, EveryWantedOutputGetsItsOwnFileWithItsSize) {
+    QList<QSize> sizes;
+    for (const char* output : {"KV_WL_OUT1", "KV_WL_OUT2"}) {
+        const QStringList size = qEnvironmentVariable(output).split('x');
+        sizes << QSize(size.value(0).toInt(), size.value(1).toInt());
+    }
+    for (const auto& [primaryOnly, wanted] : {std::pair{"FALSE", std::set{0, 1}}, {"TRUE", {0}}}) {
+        SCOPED_TRACE(primaryOnly);
+        QDir(m_pictures).removeRecursively();
+        ASSERT_TRUE(writeFile(m_bin + "/KestrelviewScreen.ini", kPlace));
+        startProgram(primaryOnly);
+        EXPECT_EQ(programWindows(), QStringList{"xdg_shell"}) << "a native Wayland client";
+        pictures(m_pictures, 2 * qsizetype(wanted.size()));
+        quit();
+        EXPECT_EQ(readFile(m_bin + "/KestrelviewScreen.ini"), kPlace) << "the compositor keeps the place";
+        EXPECT_EQ(expectScreenFiles(m_pictures, sizes), wanted);
+    }
+}
+
+TEST_F(Wayland, ARefusingPortalIsReportedOnceAndTheScheduleGoesOn) {
+    const QString refusals = qEnvironmentVariable("KV_WL_REFUSALS");
+    ASSERT_FALSE(refusals.isEmpty()) << "run in a session whose portal refuses";
+    startProgram("FALSE");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return readFile(refusals).count('\n') >= 4; }, 30000))
+        << "runs went on asking";
+    // The main window and the one warning; the later refusals passed in silence.
+    EXPECT_EQ(programWindows().size(), 2);
+    EXPECT_TRUE(pictures(m_pictures).isEmpty());
+    EXPECT_EQ(m_process.state(), QProcess::Running);
 }
 } // namespace

@@ -4,30 +4,25 @@
 #include "slideshow/Letterbox.h"
 #include "slideshow/MovieAssembly.h"
 #include "slideshow/PictureList.h"
+#include "support/Files.h"
 #include "support/MovieInspection.h"
+#include "support/Pixels.h"
+#include "support/Printers.h"
 #include "support/RecordingPresenter.h"
 #include "support/TestClock.h"
 
 #include <QDir>
-#include <QImage>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 namespace {
-const QString kArchive = "Archive_2026-03-07-21-07";
-const QString kMovie = "2026-03-07-21-07.mov";
-
 // The real writer, with its movie refusing to open, or else to flatten.
 class FailingWriter final : public MovieWriter {
 public:
     explicit FailingWriter(bool opens)
         : m_opens(opens) {}
-    int Run(const MovieRequest& request, const NextFile& nextFile) override {
-        return m_real->Run(request, nextFile);
-    }
+    int Run(const MovieRequest& request, const NextFile& next) override { return m_real->Run(request, next); }
     bool OpenAsMovie(const QString& path) override { return m_opens && m_real->OpenAsMovie(path); }
     int Flatten(const QString&, const QString&) override { return -1; }
 
@@ -36,14 +31,9 @@ private:
     std::unique_ptr<MovieWriter> m_real = makeMovieWriter();
 };
 
-QStringList entries(const QString& folder) {
-    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
-}
-
 class SlideshowTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(m_root.isValid() && m_temporary.isValid());
         qputenv("TMPDIR", QFile::encodeName(m_temporary.path()));
         ASSERT_TRUE(QDir(m_root.path()).mkdir("Screen Images"));
     }
@@ -51,15 +41,17 @@ protected:
 
     QString destination(const QString& name = {}) const { return m_root.filePath("Screen Images/" + name); }
 
-    // A screen and a camera picture of one capture run, as the list gives them.
+    // A red screen and a blue camera picture of one capture run, as the list gives them.
     std::vector<QString> twoPictures() {
-        QImage screen(1920, 1080, QImage::Format_RGB32);
-        screen.fill(Qt::red);
-        QImage camera(400, 300, QImage::Format_RGB32);
-        camera.fill(Qt::blue);
-        EXPECT_TRUE(screen.save(destination("2026-03-07-21-00-00-0.jpg")) &&
-                    camera.save(destination("2026-03-07-21-00-00-Camera.jpg")));
-        return {destination("2026-03-07-21-00-00-0.jpg"), destination("2026-03-07-21-00-00-Camera.jpg")};
+        std::vector<QString> files;
+        for (const auto& [name, size, colour] :
+             {std::tuple{"0", QSize(1920, 1080), Qt::red}, {"Camera", {400, 300}, Qt::blue}}) {
+            QImage picture(size, QImage::Format_RGB32);
+            picture.fill(colour);
+            files.push_back(destination(QString("2026-03-07-21-00-00-%1.jpg").arg(name)));
+            EXPECT_TRUE(picture.save(files.back()));
+        }
+        return files;
     }
 
     // Runs the assembly and notes what it told the window, in order.
@@ -76,6 +68,7 @@ protected:
 
     QTemporaryDir m_root;
     QTemporaryDir m_temporary;
+    const QString m_archive = m_root.filePath("Screen ImagesArchive_2026-03-07-21-07");
     TestClock m_clock{QDateTime(QDate(2026, 3, 7), QTime(21, 7, 59))};
     RecordingPresenter m_presenter;
     QStringList m_told;
@@ -95,12 +88,11 @@ TEST_F(SlideshowTest, ListsJpgNamesByNameAndLinksAsThemselves) {
     for (const char* name : {".DS_Store", "Icon\r", "IconShot.jpg", "icon.jpg", "holiday.JPG", "a.jpeg", "pg",
                              "notjpg", ".hidden.jpg", "2026-03-07-21-00-05-0.jpg",
                              "2026-03-07-21-00-00-Camera.jpg", "2026-03-07-21-00-00-0.jpg"}) {
-        QFile(destination(name)).open(QIODevice::WriteOnly);
+        ASSERT_TRUE(writeFile(destination(name), {}));
     }
-    ASSERT_TRUE(QDir(destination()).mkdir("x.jpg") && QDir(destination()).mkdir("Screen Images" + kArchive));
+    ASSERT_TRUE(QDir(destination()).mkdir("x.jpg") && QDir(destination()).mkdir("Screen ImagesArchive_1"));
     ASSERT_TRUE(QFile::link(destination("holiday.JPG"), destination("link.jpg")));
     ASSERT_TRUE(QFile::link(destination(".hidden.jpg"), destination("shown.jpg")));
-
     QStringList names;
     for (const PictureRow& row : fPictureRows(destination())) {
         names << row.displayName;
@@ -113,54 +105,52 @@ TEST_F(SlideshowTest, ListsJpgNamesByNameAndLinksAsThemselves) {
 }
 
 TEST_F(SlideshowTest, MakesTheMovieAndMovesItWithThePicturesIntoTheArchiveBeside) {
-    QFile(destination("notes.txt")).open(QIODevice::WriteOnly);
+    ASSERT_TRUE(writeFile(destination("notes.txt"), {}));
     assemble(*makeMovieWriter(), twoPictures(), destination().chopped(1));
 
     EXPECT_EQ(m_told,
               QStringList({"Creating Movie File ...", "1/2", "2/2", "done", "Archiving ...", "done"}));
     EXPECT_TRUE(m_presenter.texts().empty());
-    const QDir archive(m_root.filePath("Screen Images" + kArchive));
-    EXPECT_EQ(entries(archive.path()),
-              QStringList({"2026-03-07-21-00-00-0.jpg", "2026-03-07-21-00-00-Camera.jpg", kMovie}));
-    EXPECT_EQ(entries(destination()) + entries(m_temporary.path()), QStringList({"notes.txt"}));
-    const std::optional<MovieInspection> movie = inspectMovie(archive.filePath(kMovie));
-    ASSERT_TRUE(movie);
-    EXPECT_DOUBLE_EQ(movie->durationSec, 5);
-    EXPECT_TRUE(movie->indexInFront);
-    // The screen picture between black bars above and below, the camera picture enlarged to fill.
-    const QImage screen = movieFrameAt(archive.filePath(kMovie), 1);
-    EXPECT_TRUE(qGray(screen.pixel(400, 68)) < 12 && qRed(screen.pixel(400, 82)) > 200);
-    EXPECT_GT(qBlue(movieFrameAt(archive.filePath(kMovie), 4).pixel(4, 4)), 200);
+    const QString movie = m_archive + "/2026-03-07-21-07.mov";
+    EXPECT_EQ(entriesIn(m_archive), QStringList({"2026-03-07-21-00-00-0.jpg",
+                                                 "2026-03-07-21-00-00-Camera.jpg", "2026-03-07-21-07.mov"}));
+    EXPECT_EQ(entriesIn(destination()) + entriesIn(m_temporary.path()), QStringList({"notes.txt"}));
+    const std::optional<MovieInspection> inspection = inspectMovie(movie);
+    ASSERT_TRUE(inspection);
+    EXPECT_DOUBLE_EQ(inspection->durationSec, 2 + 1 + 2); // two stills and a wipe between
+    EXPECT_EQ(inspection->packets, 2 + 23);               // each still once, and the wipe's frames
+    EXPECT_TRUE(inspection->indexInFront);
+    // The screen between black bars above and below, the camera enlarged to fill, and half-way
+    // through the wipe the camera left of the middle, the screen right of it.
+    const QImage still = movieFrameAt(movie, 1);
+    EXPECT_TRUE(closeTo(still.pixelColor(400, 68), Qt::black, 12) &&
+                closeTo(still.pixelColor(400, 82), Qt::red, 40));
+    const QImage half = movieFrameAt(movie, 2.5);
+    EXPECT_TRUE(closeTo(half.pixelColor(300, 300), Qt::blue, 40) &&
+                closeTo(half.pixelColor(500, 300), Qt::red, 40));
+    EXPECT_TRUE(closeTo(movieFrameAt(movie, 4).pixelColor(4, 4), Qt::blue, 40));
 }
 
-// No failure of the movie stops the archiving.
+// No failure of the movie stops the archiving, and no temporary file is left.
 TEST_F(SlideshowTest, AFailedMovieIsWarnedAboutAndThePicturesAreArchivedAnyway) {
-    struct Case {
-        std::function<std::unique_ptr<MovieWriter>()> writer;
-        bool pictures;
-        QString archive; // the destination's text joined with the archive name
-        QString warning;
-    };
-    const QString beside = "Screen Images";
-    const Case cases[] = {
-        {[] { return std::make_unique<NullMovieWriter>(); }, true, beside, "Error: \n-38"},
-        {[] { return makeMovieWriter(); }, false, beside, "Error: \n-22"},
-        {[] { return std::make_unique<FailingWriter>(false); }, true, beside,
-         "Failed to Create Movie File ..."},
-        {[] { return std::make_unique<FailingWriter>(true); }, true, beside, "Failed to Flatten Movie ..."},
-        {[] { return std::make_unique<NullMovieWriter>(); }, true, beside + "/", "Error: \n-38"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.warning.toStdString() + " in " + c.archive.toStdString());
+    const auto none = std::make_shared<NullMovieWriter>();
+    // The last: the archive goes inside a destination that ends in a separator.
+    const std::tuple<std::shared_ptr<MovieWriter>, bool, QString, QString> cases[] = {
+        {none, true, "Screen Images", "Error: \n-38"},
+        {makeMovieWriter(), false, "Screen Images", "Error: \n-22"},
+        {std::make_shared<FailingWriter>(false), true, "Screen Images", "Failed to Create Movie File ..."},
+        {std::make_shared<FailingWriter>(true), true, "Screen Images", "Failed to Flatten Movie ..."},
+        {none, true, "Screen Images/", "Error: \n-38"}};
+    for (const auto& [writer, pictures, destination, warning] : cases) {
+        SCOPED_TRACE(warning.toStdString() + " in " + destination.toStdString());
         ASSERT_TRUE(QDir(m_root.path()).mkpath("Screen Images"));
-        const std::vector<QString> files = c.pictures ? twoPictures() : std::vector<QString>{};
-        assemble(*c.writer(), files, m_root.filePath(c.archive));
-        EXPECT_EQ(m_presenter.texts().back(), c.warning);
-        const QDir archive(m_root.filePath(c.archive + kArchive));
-        // The pictures and no movie; no temporary file left.
-        EXPECT_TRUE(archive.exists() && entries(archive.path()).size() == qsizetype(files.size()));
-        EXPECT_TRUE(entries(m_temporary.path()).isEmpty());
-        ASSERT_TRUE(QDir(destination()).removeRecursively() && QDir(archive).removeRecursively());
+        const std::vector<QString> files = pictures ? twoPictures() : std::vector<QString>{};
+        assemble(*writer, files, m_root.filePath(destination));
+        EXPECT_EQ(m_presenter.texts().back(), warning);
+        const QString archive = m_root.filePath(destination + "Archive_2026-03-07-21-07");
+        EXPECT_TRUE(QDir(archive).exists() && entriesIn(archive).size() == qsizetype(files.size()));
+        EXPECT_TRUE(entriesIn(m_temporary.path()).isEmpty());
+        ASSERT_TRUE(QDir(this->destination()).removeRecursively() && QDir(archive).removeRecursively());
     }
 }
 
@@ -171,11 +161,11 @@ TEST_F(SlideshowTest, AnUnopenablePictureOrDestinationEndsTheRoutineBeforeAnythi
     EXPECT_THROW(assemble(*writer, {files[0], destination("folder.jpg"), files[1]}, destination()),
                  NilObjectException);
     EXPECT_EQ(m_told, QStringList({"Creating Movie File ..."}));
-    EXPECT_EQ(entries(m_temporary.path()).size(), 1); // the first picture's copy stays
+    EXPECT_EQ(entriesIn(m_temporary.path()).size(), 1); // the first picture's copy stays
 
     m_told.clear();
     EXPECT_THROW(assemble(*writer, files, m_root.filePath("missing/Screen Images")), NilObjectException);
     EXPECT_EQ(m_told, QStringList({"Creating Movie File ...", "done", "Archiving ..."}));
-    EXPECT_EQ(entries(destination()).size() + entries(m_root.path()).size(), 3 + 1);
+    EXPECT_EQ(entriesIn(destination()).size() + entriesIn(m_root.path()).size(), 3 + 1);
 }
 } // namespace

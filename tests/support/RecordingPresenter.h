@@ -4,13 +4,11 @@
 
 #include <QString>
 
-#include <chrono>
-#include <condition_variable>
 #include <mutex>
 #include <vector>
 
-// Answers every message at once and keeps it, so that tests can see what the user was shown.
-// Installs itself for its lifetime.
+// Answers every message at once and keeps it, so that tests can see what the user was shown, from
+// whichever thread it came. Installs itself for its lifetime.
 class RecordingPresenter final : public MessagePresenter {
 public:
     struct Message {
@@ -19,18 +17,26 @@ public:
         QString text;
     };
 
-    RecordingPresenter();
-    ~RecordingPresenter() override;
+    RecordingPresenter() { installMessagePresenter(this); }
+    ~RecordingPresenter() override { installMessagePresenter(nullptr); }
 
-    void present(MessageKind kind, const QString& heading, const QString& text) override;
-
-    std::vector<Message> messages() const;
-    std::vector<QString> texts() const;
-    // Waits up to `timeout` for at least `count` messages; true when they came.
-    bool waitForCount(std::size_t count, std::chrono::milliseconds timeout) const;
+    void present(MessageKind kind, const QString& heading, const QString& text) override {
+        std::lock_guard lock(m_mutex);
+        m_messages.push_back({kind, heading, text});
+    }
+    std::vector<Message> messages() const {
+        std::lock_guard lock(m_mutex);
+        return m_messages;
+    }
+    std::vector<QString> texts() const {
+        std::vector<QString> texts;
+        for (const Message& message : messages()) {
+            texts.push_back(message.text);
+        }
+        return texts;
+    }
 
 private:
     mutable std::mutex m_mutex;
-    mutable std::condition_variable m_changed;
     std::vector<Message> m_messages;
 };
