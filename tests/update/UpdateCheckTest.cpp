@@ -1,6 +1,5 @@
 #include "base/AppState.h"
 #include "support/ScriptedServer.h"
-#include "support/Wait.h"
 #include "update/UpdateDialogs.h"
 #include "update/cAutoUpdate.h"
 #include "update/wAutoUpdate.h"
@@ -9,6 +8,7 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTest>
 
@@ -84,8 +84,9 @@ protected:
     bool check(const QString& key, bool interactive) {
         App().pActivateSnapShotTimer = false;
         auto* updater = new cAutoUpdate(&m_parent);
+        QSignalSpy ended(updater, &cAutoUpdate::CheckEnded);
         updater->CheckVersion(&m_parent, key, interactive);
-        return waitForSignal(updater, &cAutoUpdate::CheckEnded, 20000) && App().pActivateSnapShotTimer &&
+        return ended.wait(20000) && App().pActivateSnapShotTimer &&
                !std::exchange(m_dialogs.goBeforeAnswer, false);
     }
 
