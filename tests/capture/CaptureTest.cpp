@@ -101,7 +101,8 @@ TEST_F(CaptureRunTest, AnExceptionInARunReachesTheUnhandledWarningAndTheRunnerWa
         runner.Run(input("TRUE"));
     }
     EXPECT_EQ(entriesIn(destination()).size(), 4);
-    EXPECT_EQ(m_presenter.texts(), std::vector<QString>{"Unhandled Exception.  Contact Support ..."});
+    ASSERT_EQ(m_presenter.texts(), std::vector<QString>{"Unhandled Exception.  Contact Support ..."});
+    EXPECT_EQ(m_presenter.messages()[0].heading, "WARNING:");
 }
 
 // The frame window on the screen, once there is one: all windows here are frame windows.
