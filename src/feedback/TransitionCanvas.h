@@ -3,9 +3,9 @@
 #include <QPixmap>
 #include <QWidget>
 
-// The effects that the window server's type numbers stand for.
+// The effects that a transition request's type numbers stand for.
 enum class TransitionEffect { WarpFade, Flip, Cube };
-// The side an effect moves toward, from the server's option numbers.
+// The side an effect moves toward, from the request's option numbers.
 enum class TransitionSide { Up, Down, Left, Right };
 
 // Covers a window for the length of a transition and paints the window's own picture through

@@ -21,7 +21,7 @@ struct NamedCode {
     int code;
 };
 
-// The window server's own numbers; "Up" being 8 is theirs, not a slip.
+// A transition request's numbers; "Up" is 8 while the other sides run 0 to 2, and that is no slip.
 constexpr std::array kStyleCodes{NamedCode{"WarpFade", 5}, NamedCode{"Flip", 9}, NamedCode{"Cube", 7}};
 constexpr std::array kDirectionCodes{NamedCode{"Up", 8}, NamedCode{"Down", 0}, NamedCode{"Left", 1},
                                      NamedCode{"Right", 2}};
@@ -36,7 +36,7 @@ std::optional<int> lookUp(const std::array<NamedCode, N>& table, const QString& 
     return std::nullopt;
 }
 
-// A type number with no effect behind it is refused, as the server would.
+// A type number with no effect behind it is refused.
 std::optional<TransitionEffect> effectFor(int type) {
     switch (type) {
     case 5:

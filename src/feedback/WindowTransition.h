@@ -13,7 +13,7 @@ class QWidget;
 void fxWindowTransition(QWidget* window, const QString& style, const QString& direction, int duration,
                         int warnOnFailure, std::function<void()> then = {});
 
-// The window server's numbers for a style and a direction. A name that matches nothing leaves
+// A transition request's numbers for a style and a direction. A name that matches nothing leaves
 // its field as a fresh request holds it.
 struct TransitionRequest {
     int type = 0;

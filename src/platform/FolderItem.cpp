@@ -21,7 +21,7 @@ QString userFolder(QStandardPaths::StandardLocation location) {
 }
 
 // Only a folder that is there and refuses writing sends the files to the user's folders; a
-// folder that is not there at all fails as it always did.
+// folder that is not there at all stays the place, and writing into it fails.
 bool applicationFolderWritable() {
     const QFileInfo folder(platform::applicationFolder());
     std::lock_guard lock(g_mutex);

@@ -22,6 +22,8 @@
 
 #include <set>
 
+#include <unistd.h>
+
 namespace {
 const QByteArray kPlace =
     "<pWinHeight>193</pWinHeight>\n<pWinWidth>200</pWinWidth>\n<pWinLeft>300</pWinLeft>\n"
@@ -177,6 +179,7 @@ TEST_F(EndToEnd, AFirstStartFromAFolderThatCannotBeWrittenKeepsItsFilesWithTheUs
     m_environment.remove("XDG_CONFIG_HOME");
     ASSERT_TRUE(writeFile(home + "/.config/user-dirs.dirs", "XDG_PICTURES_DIR=\"$HOME/Bilder\"\n"));
     // Root writes wherever the file modes say no, so the folder is a read-only mount of its own.
+    ASSERT_EQ(::geteuid(), 0u) << "mounts a folder read-only: run the tests as root or through sudo";
     start({}, {"unshare", "-m", "sh", "-c",
                R"(mount --bind "$0" "$0" && mount -o remount,bind,ro "$0" "$0" && exec "$0/bin/kestrelview")",
                m_appFolder});

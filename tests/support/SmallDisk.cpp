@@ -12,7 +12,8 @@ SmallDisk::SmallDisk(const QString& size) {
     m_mounted = m_dir.isValid() &&
                 ::mount("tmpfs", QFile::encodeName(path()).constData(), "tmpfs", 0, options.constData()) == 0;
     if (!m_mounted) {
-        m_error = QStringLiteral("cannot mount a small tmpfs here (needs root): ") + std::strerror(errno);
+        m_error = QStringLiteral("cannot mount a small tmpfs (run the tests as root or through sudo): ") +
+                  std::strerror(errno);
     }
 }
 

@@ -4,7 +4,8 @@
 #include <QTemporaryDir>
 
 // A tmpfs of the given size ("64k", "1m") mounted on a fresh folder for the object's lifetime, for
-// the full-disk cases. Mounting needs root; a test skips when mounted() is false.
+// the full-disk cases. Mounting needs root; without it a
+// test fails with error(), which says so.
 class SmallDisk {
 public:
     explicit SmallDisk(const QString& size);
