@@ -113,9 +113,9 @@ CaptureRunInput oneScreen(const QString& folder, const QRect& area) {
     mGeneralSettings::Prefs prefs;
     prefs.pDestination = folder;
     prefs.pQuality = kQuality;
-    prefs.pUseScreen = "TRUE";
-    prefs.pPrimaryOnly = "FALSE";
-    prefs.pUseCamera = "FALSE";
+    prefs.pUseScreen = true;
+    prefs.pPrimaryOnly = false;
+    prefs.pUseCamera = false;
     return CaptureRunInput{prefs, {area}};
 }
 

@@ -9,7 +9,6 @@
 #include "platform/FolderItem.h"
 #include "platform/jpeg/JpegFile.h"
 #include "platform/screen/ScreenGrabber.h"
-#include "settings/TagFile.h"
 
 #include <QDir>
 
@@ -33,7 +32,7 @@ void takeScreen(const CaptureRunInput& input, int index, ScreenRun& screens, con
 }
 
 void takeScreens(const CaptureRunInput& input, ScreenGrabber& grabber, const Clock& clock) {
-    const int count = isFlagSet(input.prefs.pPrimaryOnly) ? 1 : int(input.screens.size());
+    const int count = input.prefs.pPrimaryOnly ? 1 : int(input.screens.size());
     if (count == 0) {
         return;
     }
@@ -65,10 +64,10 @@ void takeCameraPhoto() {
 
 namespace mCodeBaseStd {
 void sTakePictures(const CaptureRunInput& input, ScreenGrabber& grabber, const Clock& clock) {
-    if (isFlagSet(input.prefs.pUseScreen)) {
+    if (input.prefs.pUseScreen) {
         takeScreens(input, grabber, clock);
     }
-    if (isFlagSet(input.prefs.pUseCamera)) {
+    if (input.prefs.pUseCamera) {
         takeCameraPhoto();
     }
 }

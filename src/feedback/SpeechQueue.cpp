@@ -1,7 +1,6 @@
 #include "feedback/SpeechQueue.h"
 
 #include "base/UnhandledException.h"
-#include "settings/TagFile.h"
 #include "settings/mGeneralSettings.h"
 
 SpeechQueue::SpeechQueue(EngineLoader loadEngine, OutputLoader loadOutput)
@@ -51,7 +50,7 @@ void SpeechQueue::run() {
 }
 
 void SpeechQueue::speak(const QString& text) {
-    if (!isFlagSet(mGeneralSettings::current().pUseSpeech)) {
+    if (!mGeneralSettings::current().pUseSpeech) {
         return;
     }
     if (!m_engine || !m_output) {

@@ -30,4 +30,8 @@ void preferNativeWindows() {
 bool windowPlacesAreKnown() {
     return !QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
 }
+
+bool privateWindowsAvailable() {
+    return !isWaylandSession();
+}
 } // namespace platform

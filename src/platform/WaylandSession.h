@@ -8,4 +8,7 @@ bool isWaylandSession();
 void preferNativeWindows();
 // False where the compositor never tells a client where its windows are, as on Wayland.
 bool windowPlacesAreKnown();
+// Whether the desktop tells which window has the focus, as X11 does; no standard Wayland
+// interface tells a client of other clients' windows.
+bool privateWindowsAvailable();
 } // namespace platform

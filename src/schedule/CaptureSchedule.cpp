@@ -4,7 +4,6 @@
 #include "base/mCodeBaseGlv.h"
 #include "schedule/ScheduleHost.h"
 #include "schedule/ScheduleTimer.h"
-#include "settings/TagFile.h"
 #include "settings/mGeneralSettings.h"
 
 namespace {
@@ -46,7 +45,7 @@ void CaptureSchedule::CountDownAction() {
         const mGeneralSettings::Prefs prefs = mGeneralSettings::current();
         --m_timCountDownLoop;
         showRemaining(prefs);
-        if (remainingSec(prefs) == kWarningCount && isFlagSet(prefs.pThreeSecondWarning)) {
+        if (remainingSec(prefs) == kWarningCount && prefs.pThreeSecondWarning) {
             m_host.speak("In Three Seconds");
         }
         m_host.refresh();
@@ -66,7 +65,7 @@ void CaptureSchedule::SnapShotAction() {
         m_host.refresh();
         m_host.drawNoteIcon();
         const mGeneralSettings::Prefs prefs = mGeneralSettings::current();
-        if (isFlagSet(prefs.pUseCamera) && mCodeBaseGlv::pVideoGoodToGo) {
+        if (prefs.pUseCamera && mCodeBaseGlv::pVideoGoodToGo) {
             m_host.speak(prefs.pTextToSpeak);
         }
         m_host.startCaptureRun();
@@ -74,7 +73,7 @@ void CaptureSchedule::SnapShotAction() {
         m_host.showLogoPicture();
         m_host.refresh();
         SetupCountDownTimer();
-        m_host.setCountDownVisible(isFlagSet(mGeneralSettings::current().pShowCountdown));
+        m_host.setCountDownVisible(mGeneralSettings::current().pShowCountdown);
     } catch (...) {
         // Deliberately silent: the next expiry starts over, and a dialog at every interval would
         // pile up while nobody is at the machine.
@@ -110,7 +109,7 @@ std::int64_t CaptureSchedule::remainingSec(const mGeneralSettings::Prefs& prefs)
 void CaptureSchedule::showRemaining(const mGeneralSettings::Prefs& prefs) {
     const std::int64_t remaining = remainingSec(prefs);
     if (remaining > 3) {
-        m_host.setCountDownVisible(isFlagSet(prefs.pShowCountdown));
+        m_host.setCountDownVisible(prefs.pShowCountdown);
         m_host.setCountDownText(QString::number(remaining));
     } else {
         m_host.setCountDownVisible(false);

@@ -12,8 +12,8 @@
 #include "platform/WaylandSession.h"
 #include "platform/screen/ScreenList.h"
 #include "schedule/WindowSettings.h"
-#include "settings/TagFile.h"
 #include "settings/mGeneralSettings.h"
+#include "settings/mPolicies.h"
 #include "settings/mScreenSettings.h"
 #include "settings/wGeneralSettings.h"
 #include "slideshow/wMovie.h"
@@ -95,17 +95,18 @@ void wMain::Event_Open() {
     bool hidden = false;
     runGuarded([&] {
         if (mGeneralSettings::LoadPrefs()) {
-            m_sttCountDown->setVisible(isFlagSet(mGeneralSettings::current().pShowCountdown));
+            m_sttCountDown->setVisible(mGeneralSettings::current().pShowCountdown);
         }
         mScreenSettings::LoadPrefs();
+        mPolicies::LoadPolicies();
         sGetWindowSettings();
-        hidden = isFlagSet(mGeneralSettings::current().pHideWindow);
+        hidden = mGeneralSettings::current().pHideWindow;
         setVisible(!hidden);
         m_timSnapShot.setEnabled(false);
-        if (isFlagSet(mGeneralSettings::current().pUseCamera)) {
+        if (mGeneralSettings::current().pUseCamera) {
             mCodeBaseStd::sSetupVideoForCamera();
         }
-        if (isFlagSet(mGeneralSettings::current().pUpdateAtStartup)) {
+        if (mGeneralSettings::current().pUpdateAtStartup) {
             CheckForUpdates(false);
         } else {
             App().pActivateSnapShotTimer = true;

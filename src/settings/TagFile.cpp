@@ -2,7 +2,6 @@
 
 #include <QFile>
 #include <QSaveFile>
-#include <QTextStream>
 
 #include <algorithm>
 #include <charconv>
@@ -86,6 +85,25 @@ std::optional<LeadingNumber> leadingNumber(const QString& text) {
     }
     return number;
 }
+
+// The next line without its line end, cut to kMaxTagLineBytes; the rest of a longer line is read
+// past. Behind the end of the file it is empty, as a blank line would be.
+QByteArray readCappedLine(QIODevice& in) {
+    QByteArray line = in.readLine(kMaxTagLineBytes + 2);
+    bool ended = line.endsWith('\n');
+    while (!ended && !in.atEnd()) {
+        const QByteArray rest = in.readLine(kMaxTagLineBytes + 2);
+        if (rest.isEmpty()) {
+            break; // a read error ends the line as the end of the file would
+        }
+        ended = rest.endsWith('\n');
+    }
+    if (line.endsWith('\n')) {
+        line.chop(line.endsWith("\r\n") ? 2 : 1);
+    }
+    line.truncate(kMaxTagLineBytes);
+    return line;
+}
 } // namespace
 
 bool isFlagSet(const QString& flag) {
@@ -121,20 +139,26 @@ std::int32_t valToInt32(const QString& text) {
     return static_cast<std::int32_t>(truncated);
 }
 
+bool startsWithNumber(const QString& text) {
+    return leadingNumber(text).has_value();
+}
+
+bool holdsRecord(const QString& line, const QString& key) {
+    const qsizetype open = line.indexOf(u'<' + key + u'>', 0, Qt::CaseInsensitive);
+    return open >= 0 &&
+           line.indexOf(QStringLiteral("</") + key + u'>', open + key.size() + 2, Qt::CaseInsensitive) >= 0;
+}
+
 std::optional<QStringList> readTagFileLines(const QString& path, int count) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         return std::nullopt;
     }
-    QTextStream in(&file);
-    // Always UTF-8: stray bytes at the start of a damaged file must not switch it to UTF-16.
-    in.setEncoding(QStringConverter::Utf8);
-    in.setAutoDetectUnicode(false);
     QStringList lines;
     lines.reserve(count);
     for (int i = 0; i < count; ++i) {
-        // Behind the end of a short file readLine gives the empty string, as a blank line would.
-        lines.append(in.readLine());
+        // Always UTF-8: stray bytes at the start of a damaged file must not switch it to UTF-16.
+        lines.append(QString::fromUtf8(readCappedLine(file)));
     }
     return lines;
 }

@@ -15,9 +15,18 @@ bool isFlagSet(const QString& flag);
 // Val: the number at the start of a text (0 if none), truncated toward zero to a signed 32-bit
 // integer and held at its limits.
 std::int32_t valToInt32(const QString& text);
+// Whether Val finds a number at the start of the text.
+bool startsWithNumber(const QString& text);
 
-// The first `count` lines of a text file, an empty line for each line behind its end.
-// Empty when the file cannot be opened.
+// Whether the line holds the key's whole record: its open tag, and its close tag behind it.
+bool holdsRecord(const QString& line, const QString& key);
+
+// The longest line that a settings file is read with, in bytes; the rest of a longer line is
+// passed over unread, so a damaged file of one huge line costs no more memory than this.
+inline constexpr qsizetype kMaxTagLineBytes = 64 * 1024;
+
+// The first `count` lines of a text file, each cut to kMaxTagLineBytes, an empty line for each
+// line behind its end. Empty when the file cannot be opened.
 std::optional<QStringList> readTagFileLines(const QString& path, int count);
 // Writes one record per pair, in order; the file is replaced whole or not at all.
 bool writeTagFile(const QString& path, const std::vector<std::pair<QString, QString>>& records);

@@ -3,58 +3,49 @@
 #include "base/Guarded.h"
 #include "base/mProgramInfo.h"
 #include "settings/SettingsFile.h"
-#include "settings/TagFile.h"
-
-#include <utility>
-#include <vector>
 
 namespace mGeneralSettings {
-const std::array<QString, kKeyCount> kKeys = {
-    QStringLiteral("pInterval"),           QStringLiteral("pDestination"),   QStringLiteral("pQuality"),
-    QStringLiteral("pUpdateAtStartup"),    QStringLiteral("pShowCountdown"), QStringLiteral("pUseSpeech"),
-    QStringLiteral("pTextToSpeak"),        QStringLiteral("pUseCamera"),     QStringLiteral("pUseScreen"),
-    QStringLiteral("pThreeSecondWarning"), QStringLiteral("pCamImgSize"),    QStringLiteral("pPrimaryOnly"),
-    QStringLiteral("pHideWindow"),
-};
+// The window's limits hold what the user types; the store takes what it is given.
+const SettingsTable<Prefs, kKeyCount> kTable{{
+    {"pInterval",
+     &Prefs::pInterval,
+     "300",
+     {.min = 6},
+     {.control = "edtInterval", .tooLow = "Six Seconds is the Minimum Interval ..."}},
+    {"pDestination", &Prefs::pDestination, "Screen Images"},
+    {"pQuality",
+     &Prefs::pQuality,
+     "75",
+     {.min = 75, .max = 300},
+     {.control = "edtQuality",
+      .tooLow = "Seventy Five is the Minimum Quality ...",
+      .tooHigh = "Three Hundred is the Maximum Quality ..."}},
+    {"pUpdateAtStartup", &Prefs::pUpdateAtStartup, "TRUE", {}, {.control = "chkUpdateStartup"}},
+    {"pShowCountdown", &Prefs::pShowCountdown, "TRUE", {}, {.control = "chkShowCountdown"}},
+    {"pUseSpeech", &Prefs::pUseSpeech, "TRUE", {}, {.control = "chkUseSpeech"}},
+    {"pTextToSpeak", &Prefs::pTextToSpeak, "Say Cheese", {}, {.control = "edtTextToSpeak"}},
+    {"pUseCamera", &Prefs::pUseCamera, "FALSE", {}, {.control = "chkUseCamera"}},
+    {"pUseScreen", &Prefs::pUseScreen, "TRUE", {}, {.control = "chkUseScreen"}},
+    {"pThreeSecondWarning", &Prefs::pThreeSecondWarning, "TRUE", {}, {.control = "chkThreeSecondWarning"}},
+    {"pCamImgSize", &Prefs::pCamImgSize, "MEDIUM"},
+    {"pPrimaryOnly", &Prefs::pPrimaryOnly, "FALSE", {}, {.control = "chkPrimaryOnly"}},
+    {"pHideWindow", &Prefs::pHideWindow, "FALSE", {}, {.control = "chkHideWindow"}},
+}};
 
 namespace {
 Guarded<Prefs> g_prefs;
 
 Prefs fromTexts(const PrefsTexts& texts) {
-    return Prefs{
-        .pInterval = valToInt32(texts[0]),
-        .pDestination = texts[1],
-        .pQuality = valToInt32(texts[2]),
-        .pUpdateAtStartup = texts[3],
-        .pShowCountdown = texts[4],
-        .pUseSpeech = texts[5],
-        .pTextToSpeak = texts[6],
-        .pUseCamera = texts[7],
-        .pUseScreen = texts[8],
-        .pThreeSecondWarning = texts[9],
-        .pCamImgSize = texts[10],
-        .pPrimaryOnly = texts[11],
-        .pHideWindow = texts[12],
-    };
+    Prefs prefs;
+    for (int i = 0; i < kKeyCount; ++i) {
+        setSettingText(prefs, kTable[i], texts[i]);
+    }
+    return prefs;
 }
 } // namespace
 
 Prefs defaults() {
-    return Prefs{
-        .pInterval = 300,
-        .pDestination = QStringLiteral("Screen Images"),
-        .pQuality = 75,
-        .pUpdateAtStartup = QStringLiteral("TRUE"),
-        .pShowCountdown = QStringLiteral("TRUE"),
-        .pUseSpeech = QStringLiteral("TRUE"),
-        .pTextToSpeak = QStringLiteral("Say Cheese"),
-        .pUseCamera = QStringLiteral("FALSE"),
-        .pUseScreen = QStringLiteral("TRUE"),
-        .pThreeSecondWarning = QStringLiteral("TRUE"),
-        .pCamImgSize = QStringLiteral("MEDIUM"),
-        .pPrimaryOnly = QStringLiteral("FALSE"),
-        .pHideWindow = QStringLiteral("FALSE"),
-    };
+    return settingDefaults(kTable);
 }
 
 Prefs current() {
@@ -62,21 +53,11 @@ Prefs current() {
 }
 
 PrefsTexts toTexts(const Prefs& prefs) {
-    return {
-        QString::number(prefs.pInterval),
-        prefs.pDestination,
-        QString::number(prefs.pQuality),
-        prefs.pUpdateAtStartup,
-        prefs.pShowCountdown,
-        prefs.pUseSpeech,
-        prefs.pTextToSpeak,
-        prefs.pUseCamera,
-        prefs.pUseScreen,
-        prefs.pThreeSecondWarning,
-        prefs.pCamImgSize,
-        prefs.pPrimaryOnly,
-        prefs.pHideWindow,
-    };
+    PrefsTexts texts;
+    for (int i = 0; i < kKeyCount; ++i) {
+        texts[i] = settingText(prefs, kTable[i]);
+    }
+    return texts;
 }
 
 QString ParsePrefs(const QString& text, const QString& key) {
@@ -90,23 +71,13 @@ bool LoadPrefs() {
         SavePrefs(toTexts(current()));
         return false;
     }
-    PrefsTexts texts;
-    for (int i = 0; i < kKeyCount; ++i) {
-        texts[i] = ParsePrefs(lines->at(i), kKeys[i]);
-    }
-    g_prefs.set(fromTexts(texts));
+    g_prefs.set(settingsFromLines(kTable, *lines));
     return true;
 }
 
 void SavePrefs(const PrefsTexts& texts) {
     const Prefs prefs = fromTexts(texts);
     g_prefs.set(prefs);
-    const PrefsTexts written = toTexts(prefs);
-    std::vector<std::pair<QString, QString>> records;
-    records.reserve(kKeyCount);
-    for (int i = 0; i < kKeyCount; ++i) {
-        records.emplace_back(kKeys[i], written[i]);
-    }
-    writeSettingsFile(mProgramInfo::pGeneralSettingsFileName, records);
+    writeSettingsFile(mProgramInfo::pGeneralSettingsFileName, settingRecords(prefs, kTable));
 }
 } // namespace mGeneralSettings

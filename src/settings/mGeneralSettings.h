@@ -1,5 +1,7 @@
 #pragma once
 
+#include "settings/SettingsTable.h"
+
 #include <QString>
 
 #include <array>
@@ -7,25 +9,26 @@
 
 // Every user setting, kept in KestrelviewPreferences.ini beside the executable.
 namespace mGeneralSettings {
+// All empty, false or 0: the values before anything is loaded.
 struct Prefs {
     std::int32_t pInterval = 0;
     QString pDestination;
     std::int32_t pQuality = 0;
-    QString pUpdateAtStartup;
-    QString pShowCountdown;
-    QString pUseSpeech;
+    bool pUpdateAtStartup = false;
+    bool pShowCountdown = false;
+    bool pUseSpeech = false;
     QString pTextToSpeak;
-    QString pUseCamera;
-    QString pUseScreen;
-    QString pThreeSecondWarning;
+    bool pUseCamera = false;
+    bool pUseScreen = false;
+    bool pThreeSecondWarning = false;
     QString pCamImgSize;
-    QString pPrimaryOnly;
-    QString pHideWindow;
+    bool pPrimaryOnly = false;
+    bool pHideWindow = false;
 };
 
 inline constexpr int kKeyCount = 13;
-// The keys in file order, which is also the order of SavePrefs' texts.
-extern const std::array<QString, kKeyCount> kKeys;
+// The settings in file order, which is also the order of SavePrefs' texts.
+extern const SettingsTable<Prefs, kKeyCount> kTable;
 using PrefsTexts = std::array<QString, kKeyCount>;
 
 Prefs defaults();

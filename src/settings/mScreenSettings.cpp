@@ -3,16 +3,18 @@
 #include "base/Guarded.h"
 #include "base/mProgramInfo.h"
 #include "settings/SettingsFile.h"
-#include "settings/TagFile.h"
+#include "settings/SettingsTable.h"
 
 namespace mScreenSettings {
 namespace {
 Guarded<Geometry> g_geometry;
 
-const QString kHeight = QStringLiteral("pWinHeight");
-const QString kWidth = QStringLiteral("pWinWidth");
-const QString kLeft = QStringLiteral("pWinLeft");
-const QString kTop = QStringLiteral("pWinTop");
+const SettingsTable<Geometry, 4> kTable{{
+    {"pWinHeight", &Geometry::pWinHeight, "0"},
+    {"pWinWidth", &Geometry::pWinWidth, "0"},
+    {"pWinLeft", &Geometry::pWinLeft, "0"},
+    {"pWinTop", &Geometry::pWinTop, "0"},
+}};
 } // namespace
 
 Geometry current() {
@@ -24,26 +26,14 @@ std::int32_t ParsePrefs(const QString& text, const QString& key) {
 }
 
 void LoadPrefs() {
-    const auto lines = readSettingsFile(mProgramInfo::pScreenSettingsFileName, 4);
-    if (!lines) {
-        return;
+    const auto lines = readSettingsFile(mProgramInfo::pScreenSettingsFileName, int(kTable.size()));
+    if (lines) {
+        g_geometry.set(settingsFromLines(kTable, *lines));
     }
-    g_geometry.set(Geometry{
-        .pWinHeight = ParsePrefs(lines->at(0), kHeight),
-        .pWinWidth = ParsePrefs(lines->at(1), kWidth),
-        .pWinLeft = ParsePrefs(lines->at(2), kLeft),
-        .pWinTop = ParsePrefs(lines->at(3), kTop),
-    });
 }
 
 void SavePrefs(const Geometry& window) {
     g_geometry.set(window);
-    writeSettingsFile(mProgramInfo::pScreenSettingsFileName,
-                      {
-                          {kHeight, QString::number(window.pWinHeight)},
-                          {kWidth, QString::number(window.pWinWidth)},
-                          {kLeft, QString::number(window.pWinLeft)},
-                          {kTop, QString::number(window.pWinTop)},
-                      });
+    writeSettingsFile(mProgramInfo::pScreenSettingsFileName, settingRecords(window, kTable));
 }
 } // namespace mScreenSettings

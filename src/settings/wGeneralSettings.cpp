@@ -5,7 +5,7 @@
 #include "base/UnhandledException.h"
 #include "platform/FolderItem.h"
 #include "settings/CamImgSize.h"
-#include "settings/TagFile.h"
+#include "settings/SettingControls.h"
 #include "settings/mGeneralSettings.h"
 
 #include <QButtonGroup>
@@ -25,9 +25,7 @@
 #include <array>
 
 namespace {
-QString flag(const QCheckBox* box) {
-    return box->isChecked() ? "TRUE" : "FALSE";
-}
+using mGeneralSettings::kTable;
 
 QLabel* makeLabel(QWidget* parent, const char* name, const QString& text, QRect frame) {
     auto* label = new QLabel(text, parent);
@@ -44,13 +42,6 @@ QLineEdit* makeNumberField(QWidget* parent, const char* name, int digits, QRect 
     field->setMaxLength(digits);
     field->setValidator(new QRegularExpressionValidator(QRegularExpression("[0-9]*"), field));
     return field;
-}
-
-// A value from the settings file is shown whole: a field's length holds only what the user types,
-// so it widens to take a longer value rather than cut it.
-void showStored(QLineEdit* field, const QString& text) {
-    field->setMaxLength(std::max(field->maxLength(), int(text.size())));
-    field->setText(text);
 }
 
 QCheckBox* makeCheckBox(QWidget* parent, const char* name, const QString& text, QRect frame) {
@@ -79,6 +70,29 @@ QPlainTextEdit* makeDestinationField(QWidget* parent) {
     font.setPointSizeF(font.pointSizeF() * 11 / 13);
     field->setFont(font);
     return field;
+}
+
+// The window's control for a setting; none for a setting that the window holds itself.
+QWidget* controlOf(const QWidget* window, const Setting<mGeneralSettings::Prefs>& setting) {
+    return setting.view.control ? window->findChild<QWidget*>(setting.view.control) : nullptr;
+}
+
+// Holds a number field to its setting's limits: each message comes before its correction, and
+// the lower limit is tested on the text as the upper one left it.
+void holdToLimits(QLineEdit* field, const Setting<mGeneralSettings::Prefs>& setting) {
+    if (setting.view.tooHigh && valToInt32(field->text()) > setting.limits.max) {
+        mCodeBaseStd::sDisplayInformationMessage(setting.view.tooHigh);
+        field->setText(QString::number(setting.limits.max));
+    }
+    if (setting.view.tooLow && valToInt32(field->text()) < setting.limits.min) {
+        mCodeBaseStd::sDisplayInformationMessage(setting.view.tooLow);
+        field->setText(QString::number(setting.limits.min));
+    }
+}
+
+const Setting<mGeneralSettings::Prefs>& settingOf(const QObject* control) {
+    return *std::find_if(kTable.begin(), kTable.end(),
+                         [&](const auto& setting) { return control->objectName() == setting.view.control; });
 }
 
 // A field loses the focus to another control of its window; the window's own deactivation, a
@@ -164,44 +178,28 @@ bool wGeneralSettings::eventFilter(QObject* watched, QEvent* event) {
 void wGeneralSettings::Event_Open() {
     runGuarded([this] {
         App().pSpecialWindowOpen = true;
-        const mGeneralSettings::Prefs prefs = mGeneralSettings::current();
-        showStored(m_edtInterval, QString::number(prefs.pInterval));
-        m_edtDestination->setPlainText(prefs.pDestination);
-        showStored(m_edtQuality, QString::number(prefs.pQuality));
-        showStored(m_edtTextToSpeak, prefs.pTextToSpeak);
-        m_chkUpdateStartup->setChecked(isFlagSet(prefs.pUpdateAtStartup));
-        m_chkShowCountdown->setChecked(isFlagSet(prefs.pShowCountdown));
-        m_chkUseSpeech->setChecked(isFlagSet(prefs.pUseSpeech));
-        m_chkUseCamera->setChecked(isFlagSet(prefs.pUseCamera));
-        m_chkUseScreen->setChecked(isFlagSet(prefs.pUseScreen));
-        m_chkThreeSecondWarning->setChecked(isFlagSet(prefs.pThreeSecondWarning));
-        pCamImgSize = prefs.pCamImgSize;
-        if (QAbstractButton* radio = m_rb1->button(camImgSizeIndex(pCamImgSize).value_or(-1))) {
+        m_held = mGeneralSettings::current();
+        const mGeneralSettings::PrefsTexts texts = mGeneralSettings::toTexts(m_held);
+        for (int i = 0; i < mGeneralSettings::kKeyCount; ++i) {
+            showSettingText(controlOf(this, kTable[i]), texts[i]);
+        }
+        m_edtDestination->setPlainText(m_held.pDestination);
+        if (QAbstractButton* radio = m_rb1->button(camImgSizeIndex(m_held.pCamImgSize).value_or(-1))) {
             radio->setChecked(true);
         }
-        m_chkPrimaryOnly->setChecked(isFlagSet(prefs.pPrimaryOnly));
-        m_chkHideWindow->setChecked(isFlagSet(prefs.pHideWindow));
     });
 }
 
 void wGeneralSettings::btnSave_Action() {
     runGuarded([this] {
         emit showCountdownChosen(m_chkShowCountdown->isChecked());
-        mGeneralSettings::SavePrefs({
-            m_edtInterval->text(),
-            m_edtDestination->toPlainText(),
-            m_edtQuality->text(),
-            flag(m_chkUpdateStartup),
-            flag(m_chkShowCountdown),
-            flag(m_chkUseSpeech),
-            m_edtTextToSpeak->text(),
-            flag(m_chkUseCamera),
-            flag(m_chkUseScreen),
-            flag(m_chkThreeSecondWarning),
-            pCamImgSize,
-            flag(m_chkPrimaryOnly),
-            flag(m_chkHideWindow),
-        });
+        mGeneralSettings::PrefsTexts texts = mGeneralSettings::toTexts(m_held);
+        for (int i = 0; i < mGeneralSettings::kKeyCount; ++i) {
+            if (const QWidget* control = controlOf(this, kTable[i])) {
+                texts[i] = settingControlText(control);
+            }
+        }
+        mGeneralSettings::SavePrefs(texts);
         emit saved();
         App().pSpecialWindowOpen = false;
         close();
@@ -219,36 +217,23 @@ void wGeneralSettings::btnCancel_Action() {
 void wGeneralSettings::btnChoose1_Action() {
     runGuarded([this] {
         // The dialog opens on the destination, or where it would be made while it does not exist yet.
-        const QFileInfo destination(GetFolderItem(m_edtDestination->toPlainText(), FolderPlace::Pictures)
+        const QFileInfo destination(GetFolderItem(m_held.pDestination, FolderPlace::Pictures)
                                         .value_or(platform::applicationFolder()));
         const QString start = destination.isDir() ? destination.filePath() : destination.path();
         const QString folder = QFileDialog::getExistingDirectory(this, QString(), start);
         if (!folder.isEmpty()) {
-            m_edtDestination->setPlainText(QDir::toNativeSeparators(folder));
+            m_held.pDestination = QDir::toNativeSeparators(folder);
+            m_edtDestination->setPlainText(m_held.pDestination);
         }
     });
 }
 
 void wGeneralSettings::edtInterval_LostFocus() {
-    runGuarded([this] {
-        if (valToInt32(m_edtInterval->text()) < 6) {
-            mCodeBaseStd::sDisplayInformationMessage("Six Seconds is the Minimum Interval ...");
-            m_edtInterval->setText("6");
-        }
-    });
+    runGuarded([this] { holdToLimits(m_edtInterval, settingOf(m_edtInterval)); });
 }
 
 void wGeneralSettings::edtQuality_LostFocus() {
-    runGuarded([this] {
-        if (valToInt32(m_edtQuality->text()) > 300) {
-            mCodeBaseStd::sDisplayInformationMessage("Three Hundred is the Maximum Quality ...");
-            m_edtQuality->setText("300");
-        }
-        if (valToInt32(m_edtQuality->text()) < 75) {
-            mCodeBaseStd::sDisplayInformationMessage("Seventy Five is the Minimum Quality ...");
-            m_edtQuality->setText("75");
-        }
-    });
+    runGuarded([this] { holdToLimits(m_edtQuality, settingOf(m_edtQuality)); });
 }
 
 void wGeneralSettings::chkUseSpeech_Action(bool checked) {
@@ -258,5 +243,5 @@ void wGeneralSettings::chkUseSpeech_Action(bool checked) {
 }
 
 void wGeneralSettings::rb1_Action(int index) {
-    pCamImgSize = QLatin1String(kCamImgSizes.at(index).word);
+    m_held.pCamImgSize = QLatin1String(kCamImgSizes.at(index).word);
 }

@@ -2,6 +2,7 @@
 
 #include "base/DialogWindow.h"
 #include "base/SingleWindow.h"
+#include "settings/mGeneralSettings.h"
 
 class QButtonGroup;
 class QCheckBox;
@@ -40,7 +41,9 @@ private:
     void chkUseSpeech_Action(bool checked);
     void rb1_Action(int index);
 
-    QString pCamImgSize;
+    // The settings as opened, with what the window holds itself rather than in a control: the
+    // destination exactly as stored or chosen, and the camera size word (its pCamImgSize).
+    mGeneralSettings::Prefs m_held;
 
     QLineEdit* m_edtInterval;
     QPlainTextEdit* m_edtDestination;

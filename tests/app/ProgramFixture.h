@@ -51,7 +51,7 @@ protected:
     // The defaults, with nothing that waits on the network or speaks.
     static mGeneralSettings::Prefs quietPrefs() {
         mGeneralSettings::Prefs prefs = mGeneralSettings::defaults();
-        prefs.pUpdateAtStartup = prefs.pUseSpeech = prefs.pThreeSecondWarning = "FALSE";
+        prefs.pUpdateAtStartup = prefs.pUseSpeech = prefs.pThreeSecondWarning = false;
         return prefs;
     }
 

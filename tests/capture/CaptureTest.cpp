@@ -46,8 +46,8 @@ protected:
 
     CaptureRunInput input(const char* primaryOnly = "FALSE", const char* useScreen = "TRUE") const {
         CaptureRunInput input{mGeneralSettings::defaults(), m_screens};
-        input.prefs.pPrimaryOnly = primaryOnly;
-        input.prefs.pUseScreen = useScreen;
+        input.prefs.pPrimaryOnly = isFlagSet(primaryOnly);
+        input.prefs.pUseScreen = isFlagSet(useScreen);
         return input;
     }
     void run(const CaptureRunInput& input) { mCodeBaseStd::sTakePictures(input, *m_grabber, m_clock); }
@@ -148,7 +148,7 @@ protected:
                   const QString& useCamera = "FALSE") const {
         mGeneralSettings::Prefs prefs = mGeneralSettings::defaults();
         std::tie(prefs.pCamImgSize, prefs.pDestination, prefs.pQuality, prefs.pUseCamera) =
-            std::tuple(camImgSize, m_dir.filePath(folder), quality, useCamera);
+            std::tuple(camImgSize, m_dir.filePath(folder), quality, isFlagSet(useCamera));
         mGeneralSettings::SavePrefs(mGeneralSettings::toTexts(prefs));
     }
 

@@ -44,7 +44,7 @@ const SpeechQueue::OutputLoader speaker = [] { return std::make_unique<Voice>();
 
 void setUseSpeech(const QString& value) {
     mGeneralSettings::Prefs prefs = mGeneralSettings::defaults();
-    prefs.pUseSpeech = value;
+    prefs.pUseSpeech = isFlagSet(value);
     mGeneralSettings::SavePrefs(mGeneralSettings::toTexts(prefs));
 }
 } // namespace

@@ -33,8 +33,8 @@ struct Schedule final : ScheduleHost {
         platform::setApplicationFolder(folder.path());
         mProgramInfo::SetConstants();
         app.pActivateSnapShotTimer = go;
-        prefs.pThreeSecondWarning = warn;
-        prefs.pShowCountdown = shown;
+        prefs.pThreeSecondWarning = isFlagSet(warn);
+        prefs.pShowCountdown = isFlagSet(shown);
         save(interval);
         schedule.SetupCountDownTimer();
         schedule.SetupSnapShotTimer();
@@ -140,7 +140,7 @@ TEST(CaptureSchedule, ABusyWindowOrAPauseFreezesTheCountAndLosesTheExpiry) {
 
 TEST(CaptureSchedule, AnExpiryFlashesAndMarksAroundTheCaptureAndAnnouncesOnlyAReadyCamera) {
     Schedule s(10, "FALSE");
-    s.prefs.pUseCamera = "TRUE";
+    s.prefs.pUseCamera = true;
     s.save(10);
     s.run(9);
     s.steps.clear();
@@ -150,7 +150,7 @@ TEST(CaptureSchedule, AnExpiryFlashesAndMarksAroundTheCaptureAndAnnouncesOnlyARe
     mCodeBaseGlv::pVideoGoodToGo = false;
     s.run(10);
     mCodeBaseGlv::pVideoGoodToGo = true;
-    s.prefs.pUseCamera = "FALSE";
+    s.prefs.pUseCamera = false;
     s.save(10);
     s.run(10);
     EXPECT_EQ(s.heard, "Say Cheese@10 capture@10 capture@20 capture@30 ") << "only for a ready camera in use";

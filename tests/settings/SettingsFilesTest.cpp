@@ -2,6 +2,7 @@
 #include "settings/DeveloperFile.h"
 #include "settings/TagFile.h"
 #include "settings/mGeneralSettings.h"
+#include "settings/mPolicies.h"
 #include "settings/mScreenSettings.h"
 
 #include "base/NilObjectException.h"
@@ -18,7 +19,10 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+
 #include <atomic>
+#include <functional>
 #include <optional>
 #include <thread>
 #include <vector>
@@ -28,6 +32,7 @@ using namespace mGeneralSettings;
 namespace {
 const QString kGeneral = QStringLiteral("KestrelviewPreferences.ini");
 const QString kScreen = QStringLiteral("KestrelviewScreen.ini");
+const QString kPolicies = QStringLiteral("KestrelviewPolicies.ini");
 
 TEST(TagFile, ValuesReadByTheRules) {
     // Records (line, key, value): found by their tags in any case.
@@ -128,6 +133,8 @@ TEST_F(Stores, FilesAreReadAsTheyStandAndWrittenWhole) {
         {"stray bytes before the first record", "\xff\xfe" + file, defaultsWith({})},
         {"values beyond the window's limits", beyond,
          defaultsWith({{0, "2"}, {2, "500"}, {6, "a<b>c"}, {10, "large"}})},
+        {"a line read up to 64 KiB, and the next in its place",
+         QByteArray(file).replace("Say Cheese", QByteArray(70000, 'x')), defaultsWith({{6, ""}})},
     };
     for (const auto& [name, bytes, expected] : cases) {
         ASSERT_TRUE(writeFile(path(kGeneral), bytes));
@@ -156,6 +163,70 @@ TEST_F(Stores, FilesAreReadAsTheyStandAndWrittenWhole) {
     mScreenSettings::LoadPrefs();
     const mScreenSettings::Geometry g = mScreenSettings::current();
     EXPECT_EQ(QRect(g.pWinLeft, g.pWinTop, g.pWinWidth, g.pWinHeight), QRect(-1200, 19, 640, 0));
+}
+
+mPolicies::Policies policiesWith(const std::function<void(mPolicies::Policies&)>& change) {
+    mPolicies::Policies policies;
+    change(policies);
+    return policies;
+}
+
+long peakResidentKiB() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+TEST_F(Stores, PoliciesAreReadByKeyAndWhatIsMissingOrDamagedTakesItsDefault) {
+    using mPolicies::Policies;
+    mPolicies::LoadPolicies();
+    EXPECT_TRUE(mPolicies::current() == Policies() && entriesIn(m_dir.path()).isEmpty()) << "no file";
+    mPolicies::SavePolicies(Policies());
+    EXPECT_EQ(readFile(path(kPolicies)),
+              "<pPauseWhenLocked>TRUE</pPauseWhenLocked>\n<pIdleMinutes>10</pIdleMinutes>\n"
+              "<pCaptureDays></pCaptureDays>\n<pCaptureHours></pCaptureHours>\n"
+              "<pPrivateWindows></pPrivateWindows>\n<pPrivateCamera>FALSE</pPrivateCamera>\n"
+              "<pSkipUnchanged>TRUE</pSkipUnchanged>\n<pKeepEveryRuns>12</pKeepEveryRuns>\n"
+              "<pFreeSpaceFloorMB>1024</pFreeSpaceFloorMB>\n<pKeepDays>0</pKeepDays>\n<pKeepGB>0</pKeepGB>\n"
+              "<pRetireToTrash>TRUE</pRetireToTrash>\n");
+    const std::tuple<const char*, QByteArray, Policies> cases[] = {
+        {"any order, keys in any case, unknown keys passed over",
+         "<pUnknown>1</pUnknown>\n<pKeepDays>30</pKeepDays>\n<PIDLEMINUTES>5</pidleminutes>\n",
+         policiesWith([](Policies& p) { p.pKeepDays = 30, p.pIdleMinutes = 5; })},
+        {"the first whole record counts", "<pKeepGB>2\n<pKeepGB>3</pKeepGB>\n<pKeepGB>4</pKeepGB>",
+         policiesWith([](Policies& p) { p.pKeepGB = 3; })},
+        {"damaged values",
+         "<pIdleMinutes>soon</pIdleMinutes>\n<pKeepEveryRuns>-3</pKeepEveryRuns>\n<pKeepGB>1e400</pKeepGB>\n"
+         "<pCaptureHours>08:00-25:00</pCaptureHours>\n<pCaptureDays>mon, FRI</pCaptureDays>\n"
+         "<pPauseWhenLocked>yes</pPauseWhenLocked>\n<pPrivateCamera>tRUE</pPrivateCamera>",
+         policiesWith([](Policies& p) {
+             p.pKeepEveryRuns = 1, p.pKeepGB = 1048576, p.pCaptureDays = "mon, FRI";
+             p.pPauseWhenLocked = false, p.pPrivateCamera = true;
+         })},
+        {"a record cut by the line cap", "<pPrivateWindows>" + QByteArray(70000, 'x') + "</pPrivateWindows>",
+         Policies()},
+    };
+    for (const auto& [name, bytes, expected] : cases) {
+        ASSERT_TRUE(writeFile(path(kPolicies), bytes));
+        mPolicies::LoadPolicies();
+        EXPECT_EQ(settingRecords(mPolicies::current(), mPolicies::table()),
+                  settingRecords(expected, mPolicies::table()))
+            << name;
+    }
+    // A huge one-line file is read past, not into memory.
+    QFile huge(path(kPolicies));
+    ASSERT_TRUE(huge.open(QIODevice::WriteOnly) && huge.resize(qint64{1} << 26));
+    const long peak = peakResidentKiB();
+    mPolicies::LoadPolicies();
+    EXPECT_LT(peakResidentKiB() - peak, 32 * 1024);
+    const Policies saved = policiesWith([](Policies& p) {
+        p.pPrivateWindows = QString::fromUtf8("KeePassXC;Приватный просмотр"),
+        p.pCaptureHours = "22:00-24:00";
+        p.pRetireToTrash = false;
+    });
+    mPolicies::SavePolicies(saved);
+    mPolicies::LoadPolicies();
+    EXPECT_TRUE(mPolicies::current() == saved);
 }
 
 TEST_F(Stores, AFullDiskLeavesTheOldFileWhole) {

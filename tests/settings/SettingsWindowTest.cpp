@@ -126,8 +126,9 @@ TEST_F(SettingsWindowTest, EditsReachTheStoreAndTheMainWindowOnlyBySaveAndStored
     prefs.pInterval = 1234567;
     prefs.pQuality = 1000;
     prefs.pTextToSpeak = QString("Say Cheese, ").repeated(5);
-    prefs.pUseCamera = prefs.pPrimaryOnly = "TRUE";
-    prefs.pUseScreen = "FALSE";
+    prefs.pUseCamera = prefs.pPrimaryOnly = true;
+    prefs.pUseScreen = false;
+    prefs.pDestination = QString::fromUtf8("/tmp/Bilder\u00a0neu\u2028alt"); // kept as stored, not as shown
     // The camera size word selects a button, or none.
     for (const auto& [word, button] :
          {std::pair<QString, QString>{"", "rb1_1"}, {"small", "rb1_0"}, {"LARGE", "rb1_2"}, {"HUGE", ""}}) {
