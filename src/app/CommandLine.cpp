@@ -42,8 +42,11 @@ CommandLine parseCommandLine(const QStringList& arguments) {
     const QCommandLineOption help(QStringList{"h", "help"}, "Show this help and end.");
     const QCommandLineOption version("version", "Show the version and end.");
     const QCommandLineOption autostart("autostart", "Start the program at login, or no longer.", "on|off");
+    const QCommandLineOption status("status", "Print the state of the running program in one line: exit "
+                                              "status 3 when none runs.");
     parser.addOption(help);
     parser.addOption(version);
+    parser.addOption(status);
     for (const CommandOption& option : kCommandOptions) {
         parser.addOption(QCommandLineOption(option.name, option.description));
     }
@@ -59,6 +62,9 @@ CommandLine parseCommandLine(const QStringList& arguments) {
         const QString options = parser.helpText();
         return ending(CommandLine::Action::Print, "Usage: " + QFileInfo(arguments.value(0)).fileName() +
                                                       " [options]" + options.mid(options.indexOf('\n')));
+    }
+    if (parser.isSet(status)) {
+        return ending(CommandLine::Action::Status, {});
     }
     if (parser.isSet(version)) {
         return ending(CommandLine::Action::Print,

@@ -14,6 +14,7 @@ struct CommandLine {
         Print,     // print `text` (help, version) and end
         Error,     // print `text` to the error output and end with a failure
         Autostart, // write or remove the autostart entry and end
+        Status,    // print the running instance's state and end
     };
     Action action = Action::Run;
     // For the running instance; a plain start asks it to show itself.

@@ -7,7 +7,6 @@
 #include <QApplication>
 #include <QGuiApplication>
 #include <QMenu>
-#include <QPointer>
 #include <QWindow>
 
 namespace {
@@ -39,16 +38,9 @@ QAction::MenuRole roleOf(const QString& name) {
 }
 } // namespace
 
-Menu* Menu::instance() {
-    static QPointer<Menu> menu;
-    if (menu.isNull()) {
-        menu = new Menu();
-    }
-    return menu;
-}
-
-Menu::Menu()
-    : m_trayMenu(new QMenu(this)) {
+Menu::Menu(const MenuHandlers& application)
+    : m_application(application)
+    , m_trayMenu(new QMenu(this)) {
     setObjectName("Menu");
     for (const MenuEntry& entry : menuBarItems()) {
         const QString name = QString::fromLatin1(entry.name);
@@ -128,8 +120,7 @@ QMenu* Menu::addTopLevelMenu(const QString& name, const QString& text) {
 void Menu::refreshLiveItems() {
     const MenuHandlers* active = activeWindowHandlers();
     for (const MenuEntry& entry : menuBarItems()) {
-        item(QString::fromLatin1(entry.name))
-            ->setEnabled(fMenuItemLive(entry, applicationMenuHandlers(), active));
+        item(QString::fromLatin1(entry.name))->setEnabled(fMenuItemLive(entry, m_application, active));
     }
 }
 
@@ -139,6 +130,6 @@ void Menu::itemTriggered(const QString& name, MenuItemKind kind) {
             emit quitRequested();
             return;
         }
-        fDispatchMenuItem(name, applicationMenuHandlers(), activeWindowHandlers());
+        fDispatchMenuItem(name, m_application, activeWindowHandlers());
     });
 }

@@ -17,8 +17,9 @@ class Menu final : public QMenuBar {
     Q_OBJECT
 
 public:
-    // Made on the first call; it goes with the window that carries it.
-    static Menu* instance();
+    // `application` holds the handlers bound on the application rather than on a window; it
+    // outlives the menu, which goes with the window that carries it.
+    explicit Menu(const MenuHandlers& application);
 
     // The item of that name: a command, a separator or a top-level menu's own item.
     QAction* item(const QString& name) const;
@@ -39,11 +40,11 @@ signals:
 private:
     void addTrayItems();
     QAction* addTrayCommand(const QString& name, const QString& text);
-    Menu();
     QMenu* addTopLevelMenu(const QString& name, const QString& text);
     void refreshLiveItems();
     void itemTriggered(const QString& name, MenuItemKind kind);
 
+    const MenuHandlers& m_application;
     std::map<QString, QAction*> m_items;
     std::map<QString, QMenu*> m_menus;
     QMenu* m_trayMenu;

@@ -2,59 +2,71 @@
 
 #include "app/ApplicationCommands.h"
 #include "app/Kestrelview.h"
+#include "app/Menu.h"
 #include "app/SessionCommands.h"
+#include "app/wMain.h"
 #include "base/DialogPresenter.h"
-#include "capture/CameraLink.h"
-#include "capture/CaptureRunner.h"
 #include "capture/ProductCameraServices.h"
-#include "feedback/Speech.h"
 #include "platform/Clock.h"
 #include "platform/WaylandSession.h"
 #include "platform/screen/ScreenGrabber.h"
-#include "schedule/wMain.h"
 #include "slideshow/wMovie.h"
 
 #include <QCoreApplication>
 
 #include <cstdio>
 
-// Every thread of the program is joined before this returns: the capture runs by the runner,
-// then the camera's streaming threads by the link's owner, then the speech thread.
+namespace {
+const char* const kNoAnswer = "Kestrelview is already running but did not answer on the session bus.\n";
+} // namespace
+
+Program::Program(const Clock& clock)
+    : m_camera(productCameraServices(clock))
+    , m_grabber(makeScreenGrabber())
+    , m_runner(*m_grabber, clock)
+    , m_main(std::make_unique<wMain>(m_runner, m_speech, m_suspension))
+    , m_menu(new Menu(m_applicationHandlers)) {
+    _ApplicationAddMenuHandlers(m_applicationHandlers, *m_main);
+    connectMainWindow(*m_main, *m_menu);
+}
+
+// The runner, as it goes, lets a run under way finish its files.
+Program::~Program() = default;
+
+Menu& Program::menu() {
+    return *m_menu;
+}
+
+// Every thread of the program is joined before this returns: the capture runs, then the camera's
+// streaming threads, then the speech thread, as the program lets its parts go.
 int runProgram(int& argc, char** argv, std::optional<SessionCommand> command) {
     DialogPresenter presenter; // outlives the capture runs that may still ask for a dialog
     installMessagePresenter(&presenter);
     platform::preferNativeWindows();
     Kestrelview app(argc, argv);
+    std::unique_ptr<Program> program;
     // Published as early as can be, so that a later start finds somebody to answer; what it asks
-    // is carried out once the event loop runs, and the main window is there by then.
+    // is carried out once the event loop runs, and the program is there by then.
     const auto channel = makeSessionChannel();
-    channel->publish([](SessionCommand asked) {
-        if (wMain* window = wMain::instance()) {
-            carryOut(*window, asked);
-        }
-    });
+    channel->publish(
+        [&program](SessionCommand asked) {
+            if (program) {
+                carryOut(program->mainWindow(), asked);
+            }
+        },
+        [&program] { return program ? program->mainWindow().statusLine() : QStringLiteral("Starting"); });
     if (!app.Event_Open()) {
         return 0;
     }
-    ProgramSpeech speech;
-    CameraLinkOwner camera;
-    installProductCameraServices();
-    _ApplicationAddMenuHandlers();
-    const auto grabber = makeScreenGrabber();
-    CaptureRunner runner(*grabber, systemClock());
-    int status = 0;
-    {
-        wMain window(runner);
-        connectMainWindow(window);
-        window.Event_Open();
-        if (command) {
-            carryOut(window, *command);
-        }
-        status = Kestrelview::exec();
-        presenter.stopWaiting();
-        waitForMovieAssembly();
+    program = std::make_unique<Program>(systemClock());
+    program->mainWindow().Event_Open();
+    if (command) {
+        carryOut(program->mainWindow(), *command);
     }
-    runner.waitForRuns(); // a run under way finishes its files before the program ends
+    const int status = Kestrelview::exec();
+    presenter.stopWaiting();
+    waitForMovieAssembly();
+    program.reset();
     return status;
 }
 
@@ -68,8 +80,19 @@ int handOff(int& argc, char** argv, SessionCommand command) {
         return 1;
     }
     if (!channel->send(command)) {
-        std::fputs("Kestrelview is already running but did not answer on the session bus.\n", stderr);
+        std::fputs(kNoAnswer, stderr);
         return 1;
     }
+    return 0;
+}
+
+int printStatus(int& argc, char** argv) {
+    const QCoreApplication app(argc, argv);
+    const std::optional<QString> status = makeSessionChannel()->status();
+    if (!status) {
+        std::fputs(kNoAnswer, stderr);
+        return 1;
+    }
+    std::printf("%s\n", qPrintable(*status));
     return 0;
 }

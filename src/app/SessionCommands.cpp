@@ -1,15 +1,15 @@
 #include "app/SessionCommands.h"
 
 #include "app/ApplicationCommands.h"
-#include "schedule/wMain.h"
+#include "app/wMain.h"
 
 void carryOut(wMain& window, SessionCommand command) {
     switch (command) {
     case SessionCommand::Show:
-        _ToolsShowMainWindow_Action();
+        _ToolsShowMainWindow_Action(window);
         return;
     case SessionCommand::Hide:
-        _ToolsHideMainWindow_Action();
+        _ToolsHideMainWindow_Action(window);
         return;
     case SessionCommand::CaptureNow:
         window.captureNow();

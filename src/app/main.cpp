@@ -7,6 +7,11 @@
 
 #include <cstdio>
 
+namespace {
+// What --status gives when no instance runs.
+constexpr int kNoneRuns = 3;
+} // namespace
+
 int main(int argc, char** argv) {
     QStringList arguments;
     for (int i = 0; i < argc; ++i) {
@@ -24,10 +29,18 @@ int main(int argc, char** argv) {
         const QCoreApplication app(argc, argv);
         return setAutostart(line.autostart) ? 0 : 1;
     }
+    case CommandLine::Action::Status:
     case CommandLine::Action::Run:
         break;
     }
     const InstanceLock instance;
+    if (line.action == CommandLine::Action::Status) {
+        if (!instance.heldElsewhere()) {
+            std::fputs("Kestrelview is not running.\n", stderr);
+            return kNoneRuns;
+        }
+        return printStatus(argc, argv);
+    }
     if (instance.heldElsewhere()) {
         return handOff(argc, argv, line.command.value_or(SessionCommand::Show));
     }

@@ -1,6 +1,5 @@
 #include "app/wAbout.h"
 
-#include "base/AppState.h"
 #include "base/Resources.h"
 #include "base/UnhandledException.h"
 #include "base/mProgramInfo.h"
@@ -41,11 +40,7 @@ QString fVersionLine() {
     return mProgramInfo::pProgramVersion + " - " + kPlatformWord + " - " + mProgramInfo::pProgramBuild;
 }
 
-wAbout* wAbout::instance() {
-    return singleWindow<wAbout>();
-}
-
-wAbout::wAbout()
+wAbout::wAbout(ScheduleSuspension& suspension)
     : DialogWindow("About ...", QSize(406, 517))
     , m_ImageWell1(new QLabel(this))
     , m_sttProgramName(makeText(this, "sttProgramName", "Name", {20, 200, 366, 20}, 14, true))
@@ -56,7 +51,8 @@ wAbout::wAbout()
     , m_sttSupport(
           makeText(this, "sttSupport", "Support: support@kestrelview.com", {20, 405, 366, 20}, 10, false))
     , m_sttVersion(makeText(this, "sttVersion", "Version", {20, 437, 366, 20}, 10, false))
-    , m_btnClose(new QPushButton("Close", this)) {
+    , m_btnClose(new QPushButton("Close", this))
+    , m_suspension(suspension) {
     m_ImageWell1->setObjectName("ImageWell1");
     m_ImageWell1->setGeometry(121, 14, 164, 163);
     m_ImageWell1->setAlignment(Qt::AlignCenter);
@@ -71,7 +67,7 @@ wAbout::wAbout()
 
 void wAbout::Event_Open() {
     runGuarded([this] {
-        App().pSpecialWindowOpen = true;
+        m_hold = m_suspension.hold();
         m_sttProgramName->setText(mProgramInfo::pProgramName);
         m_sttProgramSubName->setText(mProgramInfo::pSubName);
         m_sttVersion->setText(fVersionLine());
@@ -80,7 +76,7 @@ void wAbout::Event_Open() {
 
 void wAbout::btnClose_Action() {
     runGuarded([this] {
-        App().pSpecialWindowOpen = false;
+        m_hold.release();
         close();
     });
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/DialogWindow.h"
+#include "base/ScheduleSuspension.h"
 #include "base/SingleWindow.h"
 
 class QLabel;
@@ -11,12 +12,11 @@ class wAbout final : public DialogWindow {
     Q_OBJECT
 
 public:
-    // The window, made and filled in if there is none.
-    static wAbout* instance();
+    // Holds `suspension` from its opening until its button.
+    explicit wAbout(ScheduleSuspension& suspension);
 
 private:
-    friend wAbout* singleWindow<wAbout>();
-    wAbout();
+    friend class SingleWindow<wAbout>;
     void Event_Open();
     void btnClose_Action();
 
@@ -27,6 +27,8 @@ private:
     QLabel* m_sttSupport;
     QLabel* m_sttVersion;
     QPushButton* m_btnClose;
+    ScheduleSuspension& m_suspension;
+    ScheduleSuspension::Token m_hold;
 };
 
 // "1.7.0 - Linux - 15072010_1800": the version, the platform built for, and the build stamp.

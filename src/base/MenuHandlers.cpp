@@ -17,8 +17,3 @@ std::optional<bool> MenuHandlers::call(const QString& name) const {
     }
     return found->second();
 }
-
-MenuHandlers& applicationMenuHandlers() {
-    static MenuHandlers handlers;
-    return handlers;
-}

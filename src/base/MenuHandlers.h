@@ -29,6 +29,3 @@ public:
 protected:
     ~MenuHandlerHost() = default;
 };
-
-// The handlers bound on the application object; GUI thread only.
-MenuHandlers& applicationMenuHandlers();

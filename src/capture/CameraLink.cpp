@@ -8,10 +8,11 @@
 #include "settings/mGeneralSettings.h"
 
 namespace {
-Guarded<CameraServices> g_services(CameraServices{
-    [] { return std::make_unique<NullCameraGrabber>(); },
-    [](Picture, FrameWindowKind) {},
-});
+CameraServices noCamera() {
+    return {[] { return std::make_unique<NullCameraGrabber>(); }, [](Picture, FrameWindowKind) {}};
+}
+
+Guarded<CameraServices> g_services(noCamera());
 
 CameraServices services() {
     return g_services.get();
@@ -45,8 +46,14 @@ namespace mCodeBaseGlv {
 Guarded<std::shared_ptr<CameraGrabber>> pQTGrabber;
 } // namespace mCodeBaseGlv
 
+CameraLinkOwner::CameraLinkOwner(CameraServices services) {
+    installCameraServices(std::move(services));
+}
+
+// What the services hold, a clock for one, may go with the owner's owner.
 CameraLinkOwner::~CameraLinkOwner() {
     mCodeBaseGlv::pQTGrabber.set(nullptr);
+    g_services.set(noCamera());
 }
 
 namespace mCodeBaseStd {

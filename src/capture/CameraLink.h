@@ -12,8 +12,8 @@ enum class FrameWindowKind {
     OutputSmall, // wOutputSmall
 };
 
-// What the camera link is built from. The program installs its camera and frame windows at
-// start; until then the link finds no camera and shows nothing.
+// What the camera link is built from: the camera, and the frame windows that show its photographs.
+// Without them the link finds no camera and shows nothing.
 struct CameraServices {
     std::function<std::unique_ptr<CameraGrabber>()> makeGrabber;
     // Shows a frame in a new frame window, which writes it when it closes. Called from any
@@ -23,12 +23,13 @@ struct CameraServices {
 // An empty member keeps what was there before.
 void installCameraServices(CameraServices services);
 
-// Owns the camera link for the program: when it goes, the link that the set-ups opened is stopped
-// and its streaming threads joined. Made in main before the capture runner, so that it goes
-// after the last capture run, which may still set the link up again.
+// Owns the camera link for the program: the link is built from `services` for as long as the owner
+// lives, and when it goes, the link that the set-ups opened is stopped and its streaming threads
+// joined. Made before the capture runner, so that it goes after the last capture run, which may
+// still set the link up again.
 class CameraLinkOwner {
 public:
-    CameraLinkOwner() = default;
+    explicit CameraLinkOwner(CameraServices services = {});
     ~CameraLinkOwner();
     CameraLinkOwner(const CameraLinkOwner&) = delete;
     CameraLinkOwner& operator=(const CameraLinkOwner&) = delete;

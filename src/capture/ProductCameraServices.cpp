@@ -26,9 +26,9 @@ void showCameraFrame(Picture frame, FrameWindowKind kind, const Clock& clock) {
     });
 }
 
-void installProductCameraServices(const Clock& clock) {
-    installCameraServices({
+CameraServices productCameraServices(const Clock& clock) {
+    return {
         [] { return makeCameraGrabber(); },
         [&clock](Picture frame, FrameWindowKind kind) { showCameraFrame(std::move(frame), kind, clock); },
-    });
+    };
 }

@@ -7,6 +7,6 @@
 // and returns at once.
 void showCameraFrame(Picture frame, FrameWindowKind kind, const Clock& clock);
 
-// The system's camera and the frame windows, for the camera link. Called once at start, before
-// the first set-up.
-void installProductCameraServices(const Clock& clock = systemClock());
+// The system's camera and the frame windows, for the camera link's owner, which must not outlive
+// `clock`.
+CameraServices productCameraServices(const Clock& clock);

@@ -30,6 +30,7 @@ public:
     QIcon plain;
     qint64 markedKey = 0;
     QPointer<QSystemTrayIcon> tray;
+    QString toolTip;
     const std::unique_ptr<WindowSystem> windowSystem = makeWindowSystem();
     const std::unique_ptr<LauncherEntry> launcher = makeLauncherEntry();
 };
@@ -74,6 +75,7 @@ QIcon withNoteMark(const QIcon& plain) {
 void ensureTray(DockTile& tile) {
     if (!tile.tray && QSystemTrayIcon::isSystemTrayAvailable()) {
         tile.tray = new QSystemTrayIcon(QApplication::windowIcon(), &tile);
+        tile.tray->setToolTip(tile.toolTip);
         tile.tray->show();
     }
 }
@@ -136,4 +138,20 @@ void setDockMenu(QMenu* menu) {
     if (tile.tray) {
         tile.tray->setContextMenu(menu);
     }
+}
+
+void setDockToolTip(const QString& text) {
+    if (!onGuiThread()) {
+        return;
+    }
+    DockTile& tile = dockTile();
+    tile.toolTip = text;
+    ensureTray(tile);
+    if (tile.tray) {
+        tile.tray->setToolTip(text);
+    }
+}
+
+QString dockToolTip() {
+    return onGuiThread() ? dockTile().toolTip : QString();
 }

@@ -2,6 +2,7 @@
 
 #include <QRect>
 #include <QSize>
+#include <QString>
 
 class QMenu;
 
@@ -19,3 +20,6 @@ QRect noteMarkRect(QSize iconSize);
 // Gives the tray icon a menu of its own, so that the program stays reachable with its windows
 // hidden. Without a tray on the desktop there is nowhere to put it, and nothing happens.
 void setDockMenu(QMenu* menu);
+// What the tray icon says when the pointer rests on it.
+void setDockToolTip(const QString& text);
+QString dockToolTip();

@@ -1,6 +1,5 @@
 #include "feedback/wWorking.h"
 
-#include "base/AppState.h"
 #include "base/GuiThread.h"
 #include "base/mCodeBaseGlv.h"
 #include "feedback/DockIcon.h"
@@ -23,7 +22,8 @@ constexpr double kOpacity = 0.8;
 // A window manager that is slow to map the window must not hold up the work behind it for long.
 constexpr int kExposeWaitMs = 2000;
 
-// The window flipping shut, which the next message waits for.
+// The open window, and the one flipping shut, which the next message waits for.
+QPointer<wWorking> g_window;
 QPointer<wWorking> g_closing;
 
 QLabel* makeLine(QWidget* parent, const QRect& frame, const QFont& font) {
@@ -47,17 +47,23 @@ QFont smallSystemFont() {
 }
 } // namespace
 
-wWorking::wWorking()
+wWorking::wWorking(const QString& text1, const QString& text2)
     : QWidget(nullptr, Qt::Tool | Qt::WindowStaysOnTopHint | Qt::CustomizeWindowHint | Qt::WindowTitleHint)
     , m_stt1(makeLine(this, QRect(20, 19, 243, 20), boldSystemFont()))
     , m_stt2(makeLine(this, QRect(20, 51, 421, 20), smallSystemFont())) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(QStringLiteral("Working ..."));
     setFixedSize(kWidth, kHeight);
+    m_stt1->setText(text1);
+    m_stt2->setText(text2);
 }
 
-wWorking& wWorking::instance() {
-    return *singleWindow<wWorking>();
+wWorking& wWorking::instance(const QString& text1, const QString& text2) {
+    if (g_window.isNull() || g_window->isClosed()) {
+        g_window = new wWorking(text1, text2);
+        g_window->Event_Open();
+    }
+    return *g_window;
 }
 
 void wWorking::showThen(std::function<void()> then) {
@@ -96,8 +102,6 @@ void wWorking::markShown() {
 
 void wWorking::Event_Open() {
     sGetWindowPosition();
-    m_stt1->setText(App().pWorkingText1);
-    m_stt2->setText(App().pWorkingText2);
 }
 
 void wWorking::sGetWindowPosition() {
@@ -137,9 +141,7 @@ void sDisplayWorkingMessage(const QString& text1, const QString& text2, std::fun
         return;
     }
     sDrawNoteIconDock();
-    App().pWorkingText1 = text1;
-    App().pWorkingText2 = text2;
-    wWorking::instance().showThen([then] {
+    wWorking::instance(text1, text2).showThen([then] {
         sResetDockIcon();
         if (then) {
             then();

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "base/SingleWindow.h"
-
 #include <QWidget>
 
 #include <functional>
@@ -10,13 +8,14 @@
 class QLabel;
 
 // A small floating window at the bottom right of the main screen that says what long work is
-// going on. It takes its two lines from the application object when it opens.
+// going on. It takes its two lines when it opens.
 class wWorking final : public QWidget {
     Q_OBJECT
 
 public:
-    // The open window, made and opened when there is none or the last one is closing.
-    static wWorking& instance();
+    // The open window, made and opened with these lines when there is none or the last one is
+    // closing; an open window keeps the lines it has.
+    static wWorking& instance(const QString& text1 = {}, const QString& text2 = {});
 
     // Shows the window and runs `then` once it is on the screen and painted: at once when it
     // already is.
@@ -32,8 +31,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    friend wWorking* singleWindow<wWorking>();
-    wWorking();
+    wWorking(const QString& text1, const QString& text2);
     void Event_Open();
     void sGetWindowPosition();
     void markShown();

@@ -1,7 +1,5 @@
 #include "schedule/CaptureSchedule.h"
 
-#include "base/AppState.h"
-#include "base/mCodeBaseGlv.h"
 #include "schedule/ScheduleHost.h"
 #include "schedule/ScheduleTimer.h"
 #include "settings/mGeneralSettings.h"
@@ -10,30 +8,27 @@ namespace {
 constexpr std::int64_t kCountDownPeriodMs = 1000;
 // The last count the label shows; the warning comes with it, three seconds ahead.
 constexpr std::int64_t kWarningCount = 4;
-const QString kPausedText = QStringLiteral("Paused");
 
 std::int64_t intervalMs(std::int32_t intervalSec) {
     return std::int64_t{intervalSec} * 1000;
 }
 } // namespace
 
-CaptureSchedule::CaptureSchedule(ScheduleTimer& timCountDown, ScheduleTimer& timSnapShot, ScheduleHost& host,
-                                 AppState& app)
+CaptureSchedule::CaptureSchedule(ScheduleTimer& timCountDown, ScheduleTimer& timSnapShot, ScheduleHost& host)
     : m_timCountDown(timCountDown)
     , m_timSnapShot(timSnapShot)
-    , m_host(host)
-    , m_app(app) {}
+    , m_host(host) {}
 
 void CaptureSchedule::SetupCountDownTimer() {
     m_timCountDown.setPeriodMs(kCountDownPeriodMs);
-    m_host.setCountDownText(QString::number(mGeneralSettings::current().pInterval));
+    m_host.setCountDownText(QString::number(m_host.settings().pInterval));
     m_timCountDownLoop = 0;
     m_timCountDown.setEnabled(true);
 }
 
 void CaptureSchedule::SetupSnapShotTimer() {
-    const std::int32_t interval = mGeneralSettings::current().pInterval;
-    if (m_timSnapShot.enabled() || interval <= 0 || !m_app.pActivateSnapShotTimer) {
+    const std::int32_t interval = m_host.settings().pInterval;
+    if (m_timSnapShot.enabled() || interval <= 0 || !m_pActivateSnapShotTimer) {
         return;
     }
     m_timSnapShot.setEnabled(true);
@@ -41,8 +36,8 @@ void CaptureSchedule::SetupSnapShotTimer() {
 }
 
 void CaptureSchedule::CountDownAction() {
-    if (m_timSnapShot.enabled() && !waiting()) {
-        const mGeneralSettings::Prefs prefs = mGeneralSettings::current();
+    if (m_timSnapShot.enabled() && !m_waiting.any()) {
+        const mGeneralSettings::Prefs prefs = m_host.settings();
         --m_timCountDownLoop;
         showRemaining(prefs);
         if (remainingSec(prefs) == kWarningCount && prefs.pThreeSecondWarning) {
@@ -56,7 +51,7 @@ void CaptureSchedule::CountDownAction() {
 }
 
 void CaptureSchedule::SnapShotAction() {
-    if (waiting()) {
+    if (m_waiting.any()) {
         return;
     }
     try {
@@ -64,8 +59,8 @@ void CaptureSchedule::SnapShotAction() {
         m_host.showWhitePicture();
         m_host.refresh();
         m_host.drawNoteIcon();
-        const mGeneralSettings::Prefs prefs = mGeneralSettings::current();
-        if (prefs.pUseCamera && mCodeBaseGlv::pVideoGoodToGo) {
+        const mGeneralSettings::Prefs prefs = m_host.settings();
+        if (prefs.pUseCamera && m_host.cameraReady()) {
             m_host.speak(prefs.pTextToSpeak);
         }
         m_host.startCaptureRun();
@@ -73,7 +68,7 @@ void CaptureSchedule::SnapShotAction() {
         m_host.showLogoPicture();
         m_host.refresh();
         SetupCountDownTimer();
-        m_host.setCountDownVisible(mGeneralSettings::current().pShowCountdown);
+        m_host.setCountDownVisible(m_host.settings().pShowCountdown);
     } catch (...) {
         // Deliberately silent: the next expiry starts over, and a dialog at every interval would
         // pile up while nobody is at the machine.
@@ -81,24 +76,27 @@ void CaptureSchedule::SnapShotAction() {
 }
 
 void CaptureSchedule::ResetCountsAfterPrefs() {
-    const std::int32_t interval = mGeneralSettings::current().pInterval;
+    const std::int32_t interval = m_host.settings().pInterval;
     m_timSnapShot.setPeriodMs(intervalMs(interval));
     m_host.setCountDownText(QString::number(interval));
 }
 
-void CaptureSchedule::setPaused(bool paused) {
-    m_paused = paused;
-    if (paused) {
+void CaptureSchedule::setWaiting(WaitReason reason, bool on) {
+    if (!m_waiting.set(reason, on)) {
+        return;
+    }
+    if (const std::optional<WaitReasonText> first = m_waiting.first()) {
         m_host.setCountDownVisible(true);
-        m_host.setCountDownText(kPausedText);
+        m_host.setCountDownText(QString::fromLatin1(first->word));
     } else {
-        showRemaining(mGeneralSettings::current());
+        showRemaining(m_host.settings());
     }
     m_host.refresh();
+    m_host.waitingChanged(m_waiting.statusLine());
 }
 
-bool CaptureSchedule::waiting() const {
-    return m_paused || m_app.pSpecialWindowOpen;
+bool CaptureSchedule::waiting(WaitReason reason) const {
+    return m_waiting.has(reason);
 }
 
 std::int64_t CaptureSchedule::remainingSec(const mGeneralSettings::Prefs& prefs) const {

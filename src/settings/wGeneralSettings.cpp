@@ -1,6 +1,5 @@
 #include "settings/wGeneralSettings.h"
 
-#include "base/AppState.h"
 #include "base/Messages.h"
 #include "base/UnhandledException.h"
 #include "platform/FolderItem.h"
@@ -106,13 +105,10 @@ bool lostFocus(const QEvent* event) {
 }
 } // namespace
 
-wGeneralSettings* wGeneralSettings::instance() {
-    return singleWindow<wGeneralSettings>();
-}
-
 // Controls are made in reading order, row by row, which is also the order of the Tab key.
-wGeneralSettings::wGeneralSettings()
-    : DialogWindow("Settings", QSize(522, 520)) {
+wGeneralSettings::wGeneralSettings(ScheduleSuspension& suspension)
+    : DialogWindow("Settings", QSize(522, 520))
+    , m_suspension(suspension) {
     makeLabel(this, "stt1", "Image Interval", {20, 123, 100, 20});
     m_edtInterval = makeNumberField(this, "edtInterval", 6, {132, 123, 78, 21});
     makeLabel(this, "stt2", "Image Folder", {20, 156, 100, 20});
@@ -177,7 +173,7 @@ bool wGeneralSettings::eventFilter(QObject* watched, QEvent* event) {
 
 void wGeneralSettings::Event_Open() {
     runGuarded([this] {
-        App().pSpecialWindowOpen = true;
+        m_hold = m_suspension.hold();
         m_held = mGeneralSettings::current();
         const mGeneralSettings::PrefsTexts texts = mGeneralSettings::toTexts(m_held);
         for (int i = 0; i < mGeneralSettings::kKeyCount; ++i) {
@@ -201,7 +197,7 @@ void wGeneralSettings::btnSave_Action() {
         }
         mGeneralSettings::SavePrefs(texts);
         emit saved();
-        App().pSpecialWindowOpen = false;
+        m_hold.release();
         close();
     });
 }
@@ -209,7 +205,7 @@ void wGeneralSettings::btnSave_Action() {
 void wGeneralSettings::btnCancel_Action() {
     runGuarded([this] {
         emit cancelled();
-        App().pSpecialWindowOpen = false;
+        m_hold.release();
         close();
     });
 }

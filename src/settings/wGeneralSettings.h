@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/DialogWindow.h"
+#include "base/ScheduleSuspension.h"
 #include "base/SingleWindow.h"
 #include "settings/mGeneralSettings.h"
 
@@ -16,8 +17,8 @@ class wGeneralSettings final : public DialogWindow {
     Q_OBJECT
 
 public:
-    // The window, made and filled in from the store if there is none.
-    static wGeneralSettings* instance();
+    // Holds `suspension` from its opening until Save or Cancel.
+    explicit wGeneralSettings(ScheduleSuspension& suspension);
 
 signals:
     // Save was pressed: the countdown's visibility as chosen, told before the store is written.
@@ -30,8 +31,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    friend wGeneralSettings* singleWindow<wGeneralSettings>();
-    wGeneralSettings();
+    friend class SingleWindow<wGeneralSettings>;
     void Event_Open();
     void btnSave_Action();
     void btnCancel_Action();
@@ -61,4 +61,6 @@ private:
     QButtonGroup* m_rb1;
     QPushButton* m_btnCancel;
     QPushButton* m_btnSave;
+    ScheduleSuspension& m_suspension;
+    ScheduleSuspension::Token m_hold;
 };

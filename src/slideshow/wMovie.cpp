@@ -1,6 +1,5 @@
 #include "slideshow/wMovie.h"
 
-#include "base/AppState.h"
 #include "base/NilObjectException.h"
 #include "base/UnhandledException.h"
 #include "base/mCodeBaseGlv.h"
@@ -58,17 +57,14 @@ void closeWorkingWindow() {
 }
 } // namespace
 
-wMovie* wMovie::instance() {
-    return singleWindow<wMovie>();
-}
-
-wMovie::wMovie()
+wMovie::wMovie(ScheduleSuspension& suspension)
     : DialogWindow("Create QuickTime Movie / Slideshow", QSize(342, 440))
     , m_barProgress1(makeProgressBar(this))
     , m_List(makeList(this))
     , m_pb1(new QPushButton("Create Movie", this))
     , m_writer(makeMovieWriter())
-    , m_assembly(new MovieAssembly(*m_writer, systemClock(), this)) {
+    , m_assembly(new MovieAssembly(*m_writer, systemClock(), this))
+    , m_suspension(suspension) {
     m_pb1->setObjectName("pb1");
     m_pb1->setGeometry(217, 400, 105, 20);
     setDefaultButton(m_pb1);
@@ -93,7 +89,7 @@ wMovie::~wMovie() {
 
 void wMovie::Event_Open() {
     runGuarded([this] {
-        App().pSpecialWindowOpen = true;
+        m_hold = m_suspension.hold();
         move(static_cast<int>((mCodeBaseGlv::pMainScreenWidth - width()) / 2.0),
              static_cast<int>((mCodeBaseGlv::pMainScreenHeight - height()) / 2.0));
         sPopulateList();
@@ -172,7 +168,7 @@ void wMovie::closeEvent(QCloseEvent* event) {
 void wMovie::Event_Close() {
     m_leaving = true;
     closeWorkingWindow();
-    App().pSpecialWindowOpen = false;
+    m_hold.release();
     fxWindowTransition(this, "Flip", "Up", 1, 0, [window = QPointer<wMovie>(this)] {
         if (window) {
             window->afterCloseTransition();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/DialogWindow.h"
+#include "base/ScheduleSuspension.h"
 #include "base/SingleWindow.h"
 
 #include <memory>
@@ -19,8 +20,8 @@ class wMovie final : public DialogWindow {
     Q_OBJECT
 
 public:
-    // The window, made and filled in if there is none.
-    static wMovie* instance();
+    // Holds `suspension` from its opening until its close.
+    explicit wMovie(ScheduleSuspension& suspension);
     ~wMovie() override;
 
     // Also while the closing effect plays, so that the accessor makes a fresh window.
@@ -30,8 +31,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    friend wMovie* singleWindow<wMovie>();
-    wMovie();
+    friend class SingleWindow<wMovie>;
     void Event_Open();
     void Event_Close();
     void afterCloseTransition();
@@ -46,6 +46,8 @@ private:
     QPushButton* m_pb1;
     std::unique_ptr<MovieWriter> m_writer;
     MovieAssembly* m_assembly;
+    ScheduleSuspension& m_suspension;
+    ScheduleSuspension::Token m_hold;
     std::thread m_worker;
     bool m_working = false;
     bool m_closeWhenDone = false;

@@ -1,6 +1,5 @@
 #include "update/cAutoUpdate.h"
 
-#include "base/AppState.h"
 #include "base/UnhandledException.h"
 #include "base/mProgramInfo.h"
 #include "update/UpdateDialogs.h"
@@ -121,14 +120,13 @@ void cAutoUpdate::saveAsChosen(const std::optional<QString>& file) {
 
 void cAutoUpdate::endCheck() {
     m_recordSocket->Close();
-    App().pActivateSnapShotTimer = true;
     m_checking = false;
     emit CheckEnded();
     goIfDone();
 }
 
 void cAutoUpdate::Update(const QString& file) {
-    wAutoUpdate* window = wAutoUpdate::instance();
+    wAutoUpdate* window = m_window.get();
     window->Associate(this);
     m_heldByWindow = true;
     window->setTitle(UpdateName);
@@ -141,17 +139,17 @@ void cAutoUpdate::Release() {
 }
 
 void cAutoUpdate::Event_ReceiveProgress(qint64 bytesReceived, qint64 totalBytes) {
-    runGuarded([&] { wAutoUpdate::instance()->showProgress(bytesReceived, totalBytes); });
+    runGuarded([&] { m_window.get()->showProgress(bytesReceived, totalBytes); });
 }
 
 void cAutoUpdate::Event_Error(int code) {
-    runGuarded([&] { wAutoUpdate::instance()->setTitle("Error: " + QString::number(code)); });
+    runGuarded([&] { m_window.get()->setTitle("Error: " + QString::number(code)); });
     goIfDone();
 }
 
 // The status is not read: an error page that came whole counts as the download.
 void cAutoUpdate::Event_DownloadComplete() {
-    runGuarded([] { wAutoUpdate::instance()->close(); });
+    runGuarded([this] { m_window.get()->close(); });
     goIfDone();
 }
 

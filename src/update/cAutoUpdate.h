@@ -1,6 +1,8 @@
 #pragma once
 
+#include "base/SingleWindow.h"
 #include "update/HTTPSocket.h"
+#include "update/wAutoUpdate.h"
 
 #include <QPointer>
 #include <QString>
@@ -22,8 +24,8 @@ public:
     explicit cAutoUpdate(QObject* owner);
 
     // Starts the check and returns at once. The check ends when the record has come or failed, any
-    // dialog has been answered and any download has started: then the go flag is set and
-    // CheckEnded comes. `interactive` false keeps quiet about a record that offers nothing.
+    // dialog has been answered and any download has started: then CheckEnded comes, which
+    // gives the schedule its go. `interactive` false keeps quiet about a record that offers nothing.
     void CheckVersion(QWidget* parent, const QString& key, bool interactive);
     // The window that showed this download has gone.
     void Release();
@@ -52,6 +54,8 @@ private:
     bool m_checking = false;
     bool m_heldByWindow = false;
     HTTPSocket* m_recordSocket; // child; the plain socket that fetches the record
+    // The download's window, made afresh when the user closed it and more comes.
+    SingleWindow<wAutoUpdate> m_window;
 
     QString UpdateVersion;
     QString UpdateURL;

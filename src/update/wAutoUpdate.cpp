@@ -40,10 +40,6 @@ int clampedToInt(qint64 value) {
 }
 } // namespace
 
-wAutoUpdate* wAutoUpdate::instance() {
-    return singleWindow<wAutoUpdate>();
-}
-
 wAutoUpdate::wAutoUpdate()
     : DialogWindow("Downloading ...", QSize(400, 160))
     , pbDownload(new QProgressBar(this))

@@ -16,16 +16,13 @@ class wAutoUpdate final : public DialogWindow {
     Q_OBJECT
 
 public:
-    // The window, made and shown if there is none.
-    static wAutoUpdate* instance();
-
     // The download that this window shows; Cancel closes it.
     void Associate(cAutoUpdate* updater);
     void setTitle(const QString& text);
     void showProgress(qint64 bytesReceived, qint64 totalBytes);
 
 private:
-    friend wAutoUpdate* singleWindow<wAutoUpdate>();
+    friend class SingleWindow<wAutoUpdate>;
     wAutoUpdate();
     ~wAutoUpdate() override;
     void Event_Open();

@@ -26,6 +26,7 @@ TEST(CommandLine, EachOptionAsksForOneThing) {
     EXPECT_TRUE(parse("--autostart on").action == CommandLine::Action::Autostart &&
                 parse("--autostart on").autostart);
     EXPECT_FALSE(parse("--autostart=off").autostart);
+    EXPECT_EQ(parse("--status").action, CommandLine::Action::Status);
     EXPECT_TRUE(parse("--version").action == CommandLine::Action::Print &&
                 parse("--version").text == "Kestrelview 1.7.0\n");
     const QString help = parseCommandLine({"/usr/bin/kestrelview", "--help"}).text;

@@ -100,7 +100,8 @@ protected:
         ASSERT_TRUE(m_process.waitForStarted());
     }
 
-    // A later start, which ends by itself: its exit code; its error output goes to m_errors.
+    // A later start, which ends by itself: its exit code; its output goes to m_output, its error
+    // output to m_errors.
     int runOnce(const QString& argument, const QString& bus = {}) {
         QProcessEnvironment environment = m_environment;
         environment.insert("DBUS_SESSION_BUS_ADDRESS",
@@ -110,6 +111,7 @@ protected:
         process.start(m_bin + "/kestrelview", QStringList{argument}.filter(QRegularExpression(".")));
         const bool ended = process.waitForFinished(30000);
         m_errors = QString::fromLocal8Bit(process.readAllStandardError());
+        m_output = QString::fromLocal8Bit(process.readAllStandardOutput());
         return ended && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     }
 
@@ -134,6 +136,7 @@ protected:
     QProcess m_process;
     QProcess m_bus;
     QString m_errors;
+    QString m_output;
 };
 
 // The X display's monitors, as tests/app/CMakeLists.txt lays them out: the primary first.
@@ -143,6 +146,7 @@ TEST_F(EndToEnd, LaterStartsHandTheirRequestsToTheRunningInstanceWhichCapturesEv
     ASSERT_TRUE(
         writeFile(m_bin + "/KestrelviewScreen.ini",
                   QByteArray(kPlace).replace(">193<", ">0<").replace(">200</pWinWidth", ">0</pWinWidth")));
+    EXPECT_EQ(runOnce("--status"), 3) << "none runs";
     start({{"pUpdateAtStartup", "FALSE"}, {"pHideWindow", "TRUE"}, {"pUseSpeech", "FALSE"}});
     const QString bus = m_environment.value("DBUS_SESSION_BUS_ADDRESS");
     const QDBusConnection connection = QDBusConnection::connectToBus(bus, bus);
@@ -156,9 +160,12 @@ TEST_F(EndToEnd, LaterStartsHandTheirRequestsToTheRunningInstanceWhichCapturesEv
     EXPECT_EQ(runOnce("", "unix:path=" + m_temp.filePath("no-bus")), 1);
     EXPECT_TRUE(m_errors.contains("without a session bus")) << m_errors.toStdString();
     nextSecond();
-    for (const char* paused : {"--pause", "--capture-now", "--resume"}) {
+    QString states;
+    for (const char* paused : {"--pause", "--capture-now", "--status", "--resume", "--status"}) {
         ASSERT_EQ(runOnce(paused), 0) << paused;
+        states += m_output;
     }
+    EXPECT_EQ(states, "Paused\nRunning\n");
     nextSecond();
     ASSERT_EQ(runOnce("--capture-now"), 0);
     pictures(m_pictures, 4);

@@ -2,11 +2,11 @@
 #include "app/Menu.h"
 #include "app/ProgramFixture.h"
 #include "app/wAbout.h"
+#include "feedback/DockIcon.h"
 #include "settings/wGeneralSettings.h"
 #include "slideshow/wMovie.h"
 #include "support/Files.h"
 #include "support/Pixels.h"
-#include "update/wAutoUpdate.h"
 
 #include <QLabel>
 #include <QMenu>
@@ -36,16 +36,16 @@ protected:
         writePrefs(quietPrefs());
     }
 
-    static QAction* item(const char* name) { return Menu::instance()->item(name); }
+    QAction* item(const char* name) { return menu().item(name); }
 
     // Opening a menu works out again which items are live.
-    static bool live(const char* name) {
-        Menu::instance()->trayMenu()->popup(QPoint(0, 0));
-        Menu::instance()->trayMenu()->hide();
+    bool live(const char* name) {
+        menu().trayMenu()->popup(QPoint(0, 0));
+        menu().trayMenu()->hide();
         return item(name)->isEnabled();
     }
 
-    static void choose(const char* name) {
+    void choose(const char* name) {
         ASSERT_TRUE(live(name)) << name;
         item(name)->trigger();
     }
@@ -73,7 +73,7 @@ TEST_F(MenuTest, ItemsAreLiveWhereTheirHandlersAreBoundAndQuitKeepsThePlaceAfter
                                                          {"UntitledSeparator", false, false}};
     openMainWindow();
     m_main->move(300, 240);
-    ASSERT_TRUE(activate(m_main.get()));
+    ASSERT_TRUE(activate(m_main));
     for (const auto& [name, withMain, withOther] : cases) {
         EXPECT_EQ(live(name), withMain) << name << " with the main window in front";
     }
@@ -83,11 +83,10 @@ TEST_F(MenuTest, ItemsAreLiveWhereTheirHandlersAreBoundAndQuitKeepsThePlaceAfter
         EXPECT_EQ(live(name), withOther) << name << " with the about window in front";
     }
     // Chosen again from the main window: the same about window, which still suspends the schedule.
-    ASSERT_TRUE(activate(m_main.get()));
+    ASSERT_TRUE(activate(m_main));
     choose("HelpAbout");
-    EXPECT_TRUE(QTest::qWaitForWindowActive(about) && wAbout::instance() == about &&
-                App().pSpecialWindowOpen);
-    ASSERT_TRUE(activate(m_main.get()));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(about) && m_main->aboutWindow() == about && suspended());
+    ASSERT_TRUE(activate(m_main));
 
     // The pages go to the desktop's URL handler; a stand-in for it notes what it was given.
     const QString log = m_dir.filePath("opened");
@@ -117,19 +116,19 @@ TEST_F(MenuTest, TheTrayShowsHidesPausesResumesCapturesNowAndStartsAtLogin) {
     qputenv("XDG_CONFIG_HOME", m_dir.path().toUtf8());
     openMainWindow();
     // No window has handlers for these, so the application's take them; twice is once.
-    ASSERT_TRUE(activate(m_main.get()));
+    ASSERT_TRUE(activate(m_main));
     for (const char* name : {"ToolsHideMainWindow", "ToolsHideMainWindow", "ToolsShowMainWindow"}) {
         choose(name);
         EXPECT_EQ(m_main->isVisible(), QByteArray(name).contains("Show")) << name;
     }
     choose("ToolsShowMainWindow");
-    EXPECT_TRUE(QTest::qWaitForWindowActive(m_main.get()));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(m_main));
     for (const bool paused : {true, false}) {
         item("TrayPause")->trigger();
         EXPECT_EQ(m_main->sttCountDown()->text() == "Paused", paused);
         EXPECT_EQ(item("TrayPause")->text(), paused ? "Resume" : "Pause");
         item("TrayCaptureNow")->trigger();
-        m_runner.waitForRuns();
+        runner().waitForRuns();
         EXPECT_EQ(entriesIn(binPath("Screen Images")).isEmpty(), paused);
     }
     for (const bool on : {true, false}) {
@@ -149,48 +148,54 @@ TEST_F(MenuTest, QuitFromTheTrayWithTheMainWindowHiddenStartsNoCaptureWhileItClo
         << "the schedule runs";
     item("ToolsHideMainWindow")->trigger();
     item("FileQuit")->trigger();
-    m_runner.waitForRuns();
+    runner().waitForRuns();
     const QStringList before = entriesIn(pictures);
     item("TrayCaptureNow")->trigger();
     // The effect lasts longer than the interval.
     EXPECT_TRUE(QTest::qWaitFor([&] { return !readBinFile("KestrelviewScreen.ini").isEmpty(); }, 10000));
-    m_runner.waitForRuns();
+    runner().waitForRuns();
     EXPECT_EQ(entriesIn(pictures), before);
 }
 
 // The way out of a window that suspends the schedule is a button that ends the suspension, not
-// Escape, and for the movie window also the close box.
+// Escape, and for the movie window also the close box. A window left by its close box leaves the
+// schedule suspended, which the tray says, until some window's way out ends it.
 TEST_F(MenuTest, EscapeNeverClosesOnlyButtonsEndTheSuspensionAndTheWindowsLookAsTheirReferences) {
-    const std::tuple<const char*, std::function<QWidget*()>, bool, bool, bool> dialogs[] = {
-        // suspends, the default button closes it, still suspended after the close box
-        {"about", [] { return wAbout::instance(); }, true, true, true},
-        {"settings", [] { return wGeneralSettings::instance(); }, true, true, true},
-        {"movie", [] { return wMovie::instance(); }, true, false, false},
-        {"download", [] { return wAutoUpdate::instance(); }, false, false, false}};
+    const std::tuple<const char*, std::function<QWidget*()>, bool, bool> dialogs[] = {
+        // the default button closes it, still suspended after the close box
+        {"about", [this] { return m_main->aboutWindow(); }, true, true},
+        {"settings", [this] { return m_main->showSettingsWindow(); }, true, true},
+        {"movie", [this] { return m_main->movieWindow(); }, false, false}};
     openMainWindow();
-    m_main->sttCountDown()->setText("300"); // whatever the countdown has reached meanwhile
-    for (const auto& [name, open, suspends, enterCloses, suspendedAfterCloseBox] : dialogs) {
+    for (const auto& [name, open, enterCloses, suspendedAfterCloseBox] : dialogs) {
         SCOPED_TRACE(name);
         QPointer<QWidget> window = open();
         ASSERT_TRUE(activate(window));
-        EXPECT_EQ(App().pSpecialWindowOpen, suspends);
+        EXPECT_TRUE(suspended());
         QTest::keyClick(window, Qt::Key_Escape);
         EXPECT_TRUE(window->isVisible());
         if (enterCloses) { // from the keypad too
             QTest::keyClick(window, Qt::Key_Enter, Qt::KeypadModifier);
-            EXPECT_TRUE((window.isNull() || !window->isVisible()) && !App().pSpecialWindowOpen);
+            EXPECT_TRUE((window.isNull() || !window->isVisible()) && !suspended());
             ASSERT_TRUE(activate(window = open()));
         }
         window->close(); // the close box
-        EXPECT_TRUE(QTest::qWaitFor([&] { return window.isNull() || !window->isVisible(); }, 10000));
-        EXPECT_EQ(App().pSpecialWindowOpen, suspendedAfterCloseBox);
-        App().pSpecialWindowOpen = false;
+        EXPECT_TRUE(QTest::qWaitFor([&] { return window.isNull(); }, 10000)) << "closed and gone";
+        EXPECT_EQ(suspended(), suspendedAfterCloseBox);
+        EXPECT_EQ(std::pair(dockToolTip(), m_main->sttCountDown()->text()),
+                  suspendedAfterCloseBox
+                      ? std::pair(QString("Paused: open Preferences and leave it with Save or Cancel"),
+                                  QString("Paused"))
+                      : std::pair(QString("Kestrelview"), m_main->sttCountDown()->text()));
     }
     // Fresh windows, filled in again.
-    EXPECT_EQ(wAbout::instance()->findChild<QLabel*>("sttVersion")->text(), "1.7.0 - Linux - 15072010_1800");
-    for (const auto& [window, name] : {std::pair<QWidget*, const char*>{m_main.get(), "main-window"},
-                                       {wAbout::instance(), "about-window"},
-                                       {wGeneralSettings::instance(), "settings-window"}}) {
+    QWidget* about = m_main->aboutWindow();
+    QWidget* settings = m_main->showSettingsWindow();
+    EXPECT_EQ(about->findChild<QLabel*>("sttVersion")->text(), "1.7.0 - Linux - 15072010_1800");
+    m_main->sttCountDown()->setText("300"); // whatever the countdown had reached before the pause
+    for (const auto& [window, name] : {std::pair<QWidget*, const char*>{m_main, "main-window"},
+                                       {about, "about-window"},
+                                       {settings, "settings-window"}}) {
         expectLooksLikeReference(window, name);
     }
 }

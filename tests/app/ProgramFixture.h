@@ -1,15 +1,13 @@
 #pragma once
 
-#include "app/ApplicationCommands.h"
 #include "app/Kestrelview.h"
-#include "base/AppState.h"
+#include "app/Menu.h"
+#include "app/Program.h"
+#include "app/wMain.h"
 #include "base/DialogWindow.h"
 #include "base/mProgramInfo.h"
-#include "capture/CaptureRunner.h"
 #include "platform/Clock.h"
 #include "platform/FolderItem.h"
-#include "platform/screen/ScreenGrabber.h"
-#include "schedule/wMain.h"
 #include "settings/mGeneralSettings.h"
 #include "support/Printers.h"
 #include "support/RecordingPresenter.h"
@@ -21,7 +19,7 @@
 #include <gtest/gtest.h>
 
 // The program as it runs, in a folder of its own: its pictures in Resources, a settings file in
-// bin, the application's menu handlers, and the main window opened on them.
+// bin, and the program's parts with the main window opened on them.
 class ProgramTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -30,17 +28,13 @@ protected:
         platform::setApplicationFolder(m_dir.filePath("bin"));
         mCodeBaseStd::sGetMainScreenResolution();
         mProgramInfo::SetConstants();
-        App().pActivateSnapShotTimer = false;
-        App().pSpecialWindowOpen = false;
-        _ApplicationAddMenuHandlers();
     }
 
     void TearDown() override {
         for (QWidget* window : QApplication::topLevelWidgets()) {
             delete qobject_cast<DialogWindow*>(window);
         }
-        m_main.reset();
-        m_runner.waitForRuns();
+        m_program.reset();
         platform::setApplicationFolder(QString());
     }
 
@@ -56,11 +50,14 @@ protected:
     }
 
     void openMainWindow() {
-        m_main = std::make_unique<wMain>(m_runner);
-        connectMainWindow(*m_main);
+        m_program = std::make_unique<Program>(systemClock());
+        m_main = &m_program->mainWindow();
         m_main->Event_Open();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(m_main.get()));
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(m_main));
     }
+    CaptureRunner& runner() { return m_program->runner(); }
+    Menu& menu() { return m_program->menu(); }
+    bool suspended() const { return m_program->suspension().pSpecialWindowOpen(); }
 
     QString binPath(const QString& name) const { return m_dir.filePath("bin/" + name); }
     QByteArray readBinFile(const QString& name) const {
@@ -70,9 +67,8 @@ protected:
 
     QTemporaryDir m_dir;
     RecordingPresenter m_presenter;
-    std::unique_ptr<ScreenGrabber> m_grabber = makeScreenGrabber();
-    CaptureRunner m_runner{*m_grabber, systemClock()};
-    std::unique_ptr<wMain> m_main;
+    std::unique_ptr<Program> m_program;
+    wMain* m_main = nullptr;
 };
 
 // Makes `window` the active window; false when it never became so.

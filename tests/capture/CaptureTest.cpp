@@ -130,13 +130,11 @@ protected:
         ASSERT_TRUE(gstreamerAvailable());
         mProgramInfo::SetConstants();
         setPrefs("MEDIUM");
-        installProductCameraServices(m_clock);
         useSource("videotestsrc is-live=true pattern=solid-color foreground-color=0xff336699");
     }
 
     void TearDown() override {
         qDeleteAll(QApplication::topLevelWidgets());
-        mCodeBaseGlv::pQTGrabber.set(nullptr);
         mCodeBaseGlv::pVideoGoodToGo = false;
     }
 
@@ -162,6 +160,8 @@ protected:
     static void captureRun() {
         mCodeBaseStd::sTakePictures({mGeneralSettings::current(), {}}, *makeScreenGrabber(), systemClock());
     }
+
+    CameraLinkOwner m_camera{productCameraServices(m_clock)};
 };
 
 TEST_F(CameraTest, EachSetUpReplacesTheLinkWithOneOfTheSizeThatCamImgSizeSelects) {
@@ -239,7 +239,7 @@ TEST_F(CameraTest,
     if (!QDir("/dev").entryList({"video*"}, QDir::System).isEmpty()) {
         GTEST_SKIP() << "this machine has a camera";
     }
-    installProductCameraServices(m_clock); // the system's camera, of which there is none
+    installCameraServices(productCameraServices(m_clock)); // the system's camera, of which there is none
     mCodeBaseStd::sSetupVideoForCamera();
     EXPECT_FALSE(mCodeBaseGlv::pVideoGoodToGo);
     captureRun();

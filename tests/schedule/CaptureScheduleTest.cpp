@@ -1,16 +1,12 @@
 #include "schedule/CaptureSchedule.h"
-#include "base/AppState.h"
-#include "base/mCodeBaseGlv.h"
-#include "base/mProgramInfo.h"
-#include "platform/FolderItem.h"
+#include "base/ScheduleSuspension.h"
 #include "schedule/QtScheduleTimer.h"
 #include "schedule/ScheduleHost.h"
-#include "schedule/WindowSettings.h"
 #include "settings/mGeneralSettings.h"
 
-#include <QTemporaryDir>
-
 #include <gtest/gtest.h>
+
+#include <optional>
 
 #include <string>
 
@@ -30,18 +26,14 @@ struct Timer final : ScheduleTimer {
 // label, the window's pictures and marks in order, and the second of each phrase and capture.
 struct Schedule final : ScheduleHost {
     explicit Schedule(int interval, const char* warn = "TRUE", const char* shown = "TRUE", bool go = true) {
-        platform::setApplicationFolder(folder.path());
-        mProgramInfo::SetConstants();
-        app.pActivateSnapShotTimer = go;
+        if (go) {
+            schedule.ActivateSnapShotTimer();
+        }
         prefs.pThreeSecondWarning = isFlagSet(warn);
         prefs.pShowCountdown = isFlagSet(shown);
-        save(interval);
+        prefs.pInterval = interval;
         schedule.SetupCountDownTimer();
         schedule.SetupSnapShotTimer();
-    }
-    void save(std::int32_t interval) {
-        prefs.pInterval = interval;
-        mGeneralSettings::SavePrefs(mGeneralSettings::toTexts(prefs));
     }
     // Runs the clock on by whole seconds; what the label showed after each.
     std::string run(int seconds) {
@@ -61,6 +53,9 @@ struct Schedule final : ScheduleHost {
         return labels;
     }
     std::string label() const { return visible ? text : "(" + text + ")"; }
+    mGeneralSettings::Prefs settings() const override { return prefs; }
+    bool cameraReady() const override { return ready; }
+    void waitingChanged(const QString& line) override { status = line.toStdString(); }
     void setCountDownVisible(bool value) override { visible = value; }
     void setCountDownText(const QString& value) override { text = value.toStdString(); }
     void refresh() override { steps += "refresh "; }
@@ -75,14 +70,12 @@ struct Schedule final : ScheduleHost {
         steps += "capture ";
         speak("capture");
     }
-    QTemporaryDir folder;
     mGeneralSettings::Prefs prefs = mGeneralSettings::defaults();
     int second = 0;
-    std::string text, steps, heard;
-    bool visible = false;
+    std::string text, steps, heard, status;
+    bool visible = false, ready = false;
     Timer countDown, snapShot;
-    AppState app;
-    CaptureSchedule schedule{countDown, snapShot, *this, app};
+    CaptureSchedule schedule{countDown, snapShot, *this};
 };
 
 TEST(CaptureSchedule, CountsDownWarnsAtFourAndCapturesAtTheInterval) {
@@ -104,16 +97,16 @@ TEST(CaptureSchedule, CountsDownWarnsAtFourAndCapturesAtTheInterval) {
 TEST(CaptureSchedule, TheIntervalTimerArmsOnlyWithTheGoFlagAndAnIntervalAboveZero) {
     Schedule s(30, "TRUE", "TRUE", false);
     EXPECT_EQ(s.run(3), "(30) (30) (30)");
-    s.app.pActivateSnapShotTimer = true; // the update check has ended
+    s.schedule.ActivateSnapShotTimer(); // the update check has ended
     EXPECT_EQ(s.run(2), "(30) 29") << "the tick that arms the interval timer is not counted";
     s.run(30);
     EXPECT_EQ(s.heard, "In Three Seconds@30 capture@34 ");
     Schedule zero(0);
     EXPECT_EQ(zero.run(3), "(0) (0) (0)");
-    zero.save(7);
+    zero.prefs.pInterval = 7;
     zero.schedule.ResetCountsAfterPrefs();
     EXPECT_EQ(zero.run(8), "(7) 6 5 4 (4) (4) (4) 7");
-    zero.save(3); // a new interval restarts the running timer
+    zero.prefs.pInterval = 3; // a new interval restarts the running timer
     zero.schedule.ResetCountsAfterPrefs();
     EXPECT_EQ(zero.run(3), "(3) (3) 3");
     Schedule huge(INT32_MAX);
@@ -121,39 +114,52 @@ TEST(CaptureSchedule, TheIntervalTimerArmsOnlyWithTheGoFlagAndAnIntervalAboveZer
     EXPECT_EQ(huge.snapShot.periodMs, 2147483647000);
 }
 
-TEST(CaptureSchedule, ABusyWindowOrAPauseFreezesTheCountAndLosesTheExpiry) {
-    for (const bool paused : {false, true}) {
+TEST(CaptureSchedule, AnyReasonToWaitFreezesTheCountLosesTheExpiryAndSaysWhy) {
+    using enum WaitReason;
+    const std::pair<WaitReason, std::string> cases[] = {
+        {Paused, "Paused"},
+        {Suspended, "Paused"},
+        {LeftSuspended, "Paused: open Preferences and leave it with Save or Cancel"}};
+    for (const auto& [reason, status] : cases) {
         Schedule s(60, "TRUE", "FALSE");
-        const auto set = [&](bool on) {
-            paused ? s.schedule.setPaused(on) : s.app.pSpecialWindowOpen.store(on);
-        };
         s.run(10);
-        set(true);
+        s.schedule.setWaiting(reason, true);
+        s.schedule.setWaiting(Suspended, true); // a second reason, over before the first
+        s.schedule.setWaiting(Suspended, reason == Suspended);
         s.steps.clear();
         s.run(55);
-        // A pause says so even where the countdown is hidden; the expiry at 60 is lost.
-        EXPECT_EQ(s.label() + s.steps + s.heard, paused ? "Paused" : "(50)");
-        set(false);
-        EXPECT_EQ(s.run(1), "(49)") << "the count goes on from where it stood; pause " << paused;
+        // Said even where the countdown is hidden; the expiry at 60 is lost.
+        EXPECT_EQ(s.label() + s.steps + s.heard + '|' + s.status, "Paused|" + status);
+        s.schedule.setWaiting(reason, false);
+        EXPECT_EQ(s.run(1) + '|' + s.status, "(49)|Running") << "the count goes on from where it stood";
     }
 }
 
 TEST(CaptureSchedule, AnExpiryFlashesAndMarksAroundTheCaptureAndAnnouncesOnlyAReadyCamera) {
     Schedule s(10, "FALSE");
     s.prefs.pUseCamera = true;
-    s.save(10);
     s.run(9);
     s.steps.clear();
-    mCodeBaseGlv::pVideoGoodToGo = true;
+    s.ready = true;
     EXPECT_EQ(s.run(1), "10");
     EXPECT_EQ(s.steps, "refresh white refresh note capture reset logo refresh ");
-    mCodeBaseGlv::pVideoGoodToGo = false;
+    s.ready = false;
     s.run(10);
-    mCodeBaseGlv::pVideoGoodToGo = true;
+    s.ready = true;
     s.prefs.pUseCamera = false;
-    s.save(10);
     s.run(10);
     EXPECT_EQ(s.heard, "Say Cheese@10 capture@10 capture@20 capture@30 ") << "only for a ready camera in use";
+}
+
+TEST(ScheduleSuspension, HeldWhileAnyWindowHoldsItAndLeftSuspendedByOneThatGoesUnreleased) {
+    ScheduleSuspension suspension;
+    std::optional<ScheduleSuspension::Token> settings(suspension.hold()), about(suspension.hold());
+    about->release();
+    EXPECT_TRUE(suspension.pSpecialWindowOpen() && !suspension.stranded()) << "the settings window holds it";
+    settings.reset(); // closed by its close box
+    EXPECT_TRUE(suspension.pSpecialWindowOpen() && suspension.stranded());
+    suspension.hold().release(); // any window's way out ends it
+    EXPECT_FALSE(suspension.pSpecialWindowOpen());
 }
 
 TEST(QtScheduleTimer, RunsOnlyWhileEnabledWithAPeriodAboveZero) {
@@ -167,16 +173,5 @@ TEST(QtScheduleTimer, RunsOnlyWhileEnabledWithAPeriodAboveZero) {
               std::tuple(false, true, true, false));
     timer.setPeriodMs(std::int64_t{1} << 40);
     EXPECT_EQ(timer.timer().interval(), INT32_MAX);
-}
-
-TEST(WindowSettings, RestoredFrameKeepsTheWindowReachable) {
-    const std::pair<mScreenSettings::Geometry, QRect> cases[] = {
-        {{0, 0, 0, 0}, {20, 60, 200, 193}}, // first start
-        {{193, 200, 20, 59}, {20, 60, 200, 193}},
-        {{100, 300, -1200, -1}, {-1200, -1, 300, 193}}, // a screen to the left and above
-    };
-    for (const auto& [stored, frame] : cases) {
-        EXPECT_EQ(restoredFrame(stored, QSize(200, 193)), frame) << stored.pWinLeft << ", " << stored.pWinTop;
-    }
 }
 } // namespace

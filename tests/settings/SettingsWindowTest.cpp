@@ -1,6 +1,5 @@
 #include "app/ProgramFixture.h"
 
-#include "base/AppState.h"
 #include "settings/wGeneralSettings.h"
 
 #include <QApplication>
@@ -55,14 +54,14 @@ TEST_F(SettingsWindowTest, EditsReachTheStoreAndTheMainWindowOnlyBySaveAndStored
     tick("chkShowCountdown");
     click("btnCancel");
     EXPECT_TRUE(!m_window || !m_window->isVisible());
-    EXPECT_FALSE(App().pSpecialWindowOpen);
+    EXPECT_FALSE(suspended());
     EXPECT_EQ(readBinFile(kFile), file);
     open();
     QSignalSpy chosen(m_window.data(), &wGeneralSettings::showCountdownChosen);
     QSignalSpy saved(m_window.data(), &wGeneralSettings::saved);
-    EXPECT_TRUE(App().pSpecialWindowOpen);
+    EXPECT_TRUE(suspended());
     retype("edtInterval", "5");
-    ASSERT_TRUE(activate(m_main.get()) && activate(m_window));
+    ASSERT_TRUE(activate(m_main) && activate(m_window));
     EXPECT_TRUE(m_presenter.texts().empty()) << "another window in front is no loss of focus";
     // What each field shows once the focus has moved on from it.
     const std::pair<const char*, std::vector<std::pair<QString, QString>>> cases[] = {
@@ -104,7 +103,7 @@ TEST_F(SettingsWindowTest, EditsReachTheStoreAndTheMainWindowOnlyBySaveAndStored
     retype("edtInterval", ""); // Return saves at once, without the field losing the focus
     QTest::keyClick(get("edtInterval"), Qt::Key_Return);
     EXPECT_TRUE(!m_window || !m_window->isVisible());
-    EXPECT_FALSE(App().pSpecialWindowOpen);
+    EXPECT_FALSE(suspended());
     const QString minInterval = "Six Seconds is the Minimum Interval ...";
     const QString minQuality = "Seventy Five is the Minimum Quality ...";
     EXPECT_EQ(m_presenter.texts(),

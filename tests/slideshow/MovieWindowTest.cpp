@@ -24,11 +24,11 @@ TEST_F(ProgramTest, TheMovieWindowWorksFromTheMenuThroughTheWorkerToTheArchiveAn
         ASSERT_TRUE(archives().isEmpty() || QDir(m_dir.filePath(archives()[0])).removeRecursively());
         ASSERT_TRUE(QDir().mkpath(pictures) && image.save(pictures + "/2026-03-07-21-00-05-0.jpg") &&
                     image.save(pictures + "/2026-03-07-21-00-00-Camera.jpg"));
-        ASSERT_TRUE(activate(m_main.get()));
-        Menu::instance()->trayMenu()->popup(QPoint(0, 0)); // the item is live once a menu opens
-        Menu::instance()->trayMenu()->hide();
-        Menu::instance()->item("ToolsCreateSlideshowMovie")->trigger();
-        QPointer<wMovie> window = wMovie::instance();
+        ASSERT_TRUE(activate(m_main));
+        menu().trayMenu()->popup(QPoint(0, 0)); // the item is live once a menu opens
+        menu().trayMenu()->hide();
+        menu().item("ToolsCreateSlideshowMovie")->trigger();
+        QPointer<wMovie> window = m_main->movieWindow();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
         EXPECT_EQ(window->geometry().center(), QGuiApplication::primaryScreen()->geometry().center());
         auto* list = window->findChild<QListWidget*>("List");
@@ -46,7 +46,7 @@ TEST_F(ProgramTest, TheMovieWindowWorksFromTheMenuThroughTheWorkerToTheArchiveAn
             EXPECT_TRUE(window->isVisible());
         }
         EXPECT_TRUE(QTest::qWaitFor([&] { return window.isNull(); }, 120000));
-        EXPECT_FALSE(App().pSpecialWindowOpen);
+        EXPECT_FALSE(suspended());
         EXPECT_EQ(progress, QStringList({"1/2", "2/2"}));
         EXPECT_TRUE(m_presenter.texts().empty() && entriesIn(pictures).isEmpty() && archives().size() == 1)
             << "all archived";

@@ -1,4 +1,3 @@
-#include "base/AppState.h"
 #include "support/ScriptedServer.h"
 #include "update/UpdateDialogs.h"
 #include "update/cAutoUpdate.h"
@@ -26,7 +25,7 @@ public:
     ~ScriptedDialogs() override { installUpdateDialogs(nullptr); }
 
     void ask(QWidget*, const UpdateQuestion& q, std::function<void(bool)> answered) override {
-        goBeforeAnswer = goBeforeAnswer || App().pActivateSnapShotTimer;
+        goBeforeAnswer = goBeforeAnswer || (ended != nullptr && !ended->isEmpty());
         asked.append(q.message + '|' + q.explanation + '|' + q.actionCaption + '|' + q.cancelCaption);
         answered(download);
     }
@@ -36,8 +35,9 @@ public:
         chosen(file);
     }
 
-    bool download = false; // the answer: the action button or cancel
-    QString file;          // where the save dialog saves
+    bool download = false;             // the answer: the action button or cancel
+    QString file;                      // where the save dialog saves
+    const QSignalSpy* ended = nullptr; // the check's end, which gives the schedule its go
     bool goBeforeAnswer = false;
     QStringList asked, saves;
 };
@@ -54,14 +54,21 @@ QString labelOf(const QObject* window, const char* label) {
     return window->findChild<QLabel*>(label)->text();
 }
 
-// A label of the download window on the screen; empty when there is none.
-QString shown(const char* label) {
-    for (const QWidget* window : QApplication::topLevelWidgets()) {
-        if (qobject_cast<const wAutoUpdate*>(window) != nullptr && window->isVisible()) {
-            return labelOf(window, label);
+// The download window on the screen, or nullptr.
+wAutoUpdate* shownWindow() {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (auto* download = qobject_cast<wAutoUpdate*>(window);
+            download != nullptr && download->isVisible()) {
+            return download;
         }
     }
-    return {};
+    return nullptr;
+}
+
+// A label of the download window on the screen; empty when there is none.
+QString shown(const char* label) {
+    const wAutoUpdate* window = shownWindow();
+    return window != nullptr ? labelOf(window, label) : QString();
 }
 
 // "title|figures" of each download window as it closed.
@@ -79,15 +86,15 @@ public:
 
 class UpdateCheck : public testing::Test {
 protected:
-    // Runs one check to its end; false when it never ended, or the go flag rose before the answer or
-    // not at all.
+    // Runs one check to its end; false when it never ended, or ended before the answer.
     bool check(const QString& key, bool interactive) {
-        App().pActivateSnapShotTimer = false;
         auto* updater = new cAutoUpdate(&m_parent);
         QSignalSpy ended(updater, &cAutoUpdate::CheckEnded);
+        m_dialogs.ended = &ended;
         updater->CheckVersion(&m_parent, key, interactive);
-        return ended.wait(20000) && App().pActivateSnapShotTimer &&
-               !std::exchange(m_dialogs.goBeforeAnswer, false);
+        const bool done = ended.wait(20000);
+        m_dialogs.ended = nullptr;
+        return done && !std::exchange(m_dialogs.goBeforeAnswer, false);
     }
 
     // Accepts the offer of a record that points at `url`, to be saved as `file`.
@@ -167,7 +174,7 @@ TEST_F(UpdateCheck, DownloadsCloseOnTheirLastFiguresAndErrorsWaitForCancel) {
         ASSERT_TRUE(QTest::qWaitFor(
             [&] { return !m_closed.texts.isEmpty() || shown("stTitle").startsWith("Error"); }, 20000));
         if (m_closed.texts.isEmpty()) {
-            QTest::mouseClick(wAutoUpdate::instance()->findChild<QPushButton*>("btnCancel"), Qt::LeftButton);
+            QTest::mouseClick(shownWindow()->findChild<QPushButton*>("btnCancel"), Qt::LeftButton);
         }
         EXPECT_EQ(m_closed.texts, QStringList{closedWith});
         EXPECT_EQ(QFileInfo(file).size(), size);
@@ -194,10 +201,10 @@ TEST_F(UpdateCheck, CancelKeepsWhatCameAndTheCloseBoxLetsTheDownloadGoOn) {
         ASSERT_TRUE(startDownload(server.url(), file));
         ASSERT_TRUE(QTest::qWaitFor([&] { return shown("stProgress") == "0.5MB of 0 MB"; }));
         if (file == cancelled) {
-            QTest::mouseClick(wAutoUpdate::instance()->findChild<QPushButton*>("btnCancel"), Qt::LeftButton);
+            QTest::mouseClick(shownWindow()->findChild<QPushButton*>("btnCancel"), Qt::LeftButton);
             EXPECT_TRUE(QTest::qWaitFor([&] { return server.servedAtLeast(1); }));
         } else {
-            wAutoUpdate::instance()->close();
+            shownWindow()->close();
         }
     }
     more.set_value();

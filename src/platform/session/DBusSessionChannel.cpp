@@ -36,8 +36,9 @@ DBusSessionChannel::~DBusSessionChannel() {
     }
 }
 
-bool DBusSessionChannel::publish(Handler handler) {
+bool DBusSessionChannel::publish(Handler handler, StatusSource status) {
     m_handler = std::move(handler);
+    m_status = std::move(status);
     if (!m_bus.registerObject(kPath, this, QDBusConnection::ExportScriptableSlots)) {
         return false;
     }
@@ -51,6 +52,15 @@ bool DBusSessionChannel::publish(Handler handler) {
 bool DBusSessionChannel::send(SessionCommand command) {
     const QDBusMessage call = QDBusMessage::createMethodCall(kService, kPath, kInterface, methodOf(command));
     return m_bus.call(call, QDBus::Block, kSendTimeoutMs).type() == QDBusMessage::ReplyMessage;
+}
+
+std::optional<QString> DBusSessionChannel::status() {
+    const QDBusMessage reply = m_bus.call(
+        QDBusMessage::createMethodCall(kService, kPath, kInterface, "Status"), QDBus::Block, kSendTimeoutMs);
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
+        return std::nullopt;
+    }
+    return reply.arguments().constFirst().toString();
 }
 
 void DBusSessionChannel::Show() {
@@ -75,6 +85,11 @@ void DBusSessionChannel::Resume() {
 
 void DBusSessionChannel::Quit() {
     deliver(SessionCommand::Quit);
+}
+
+// Answered at once: reading the state changes nothing.
+QString DBusSessionChannel::Status() {
+    return m_status ? m_status() : QString();
 }
 
 // The caller has its answer before the command runs, so a quit does not leave it waiting.

@@ -20,8 +20,9 @@ public:
     ~DBusSessionChannel() override;
 
     bool available() const override { return true; }
-    bool publish(Handler handler) override;
+    bool publish(Handler handler, StatusSource status) override;
     bool send(SessionCommand command) override;
+    std::optional<QString> status() override;
 
 public slots:
     Q_SCRIPTABLE void Show();
@@ -30,11 +31,13 @@ public slots:
     Q_SCRIPTABLE void Pause();
     Q_SCRIPTABLE void Resume();
     Q_SCRIPTABLE void Quit();
+    Q_SCRIPTABLE QString Status();
 
 private:
     void deliver(SessionCommand command);
 
     QDBusConnection m_bus;
     Handler m_handler;
+    StatusSource m_status;
     bool m_published = false;
 };

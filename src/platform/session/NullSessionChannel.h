@@ -6,6 +6,7 @@
 class NullSessionChannel final : public SessionChannel {
 public:
     bool available() const override { return false; }
-    bool publish(Handler) override { return false; }
+    bool publish(Handler, StatusSource) override { return false; }
     bool send(SessionCommand) override { return false; }
+    std::optional<QString> status() override { return std::nullopt; }
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/MenuHandlers.h"
+#include "base/SingleWindow.h"
 #include "schedule/CaptureSchedule.h"
 #include "schedule/QtScheduleTimer.h"
 #include "schedule/ScheduleHost.h"
@@ -8,33 +9,42 @@
 #include <QWidget>
 
 class CaptureRunner;
+class ProgramSpeech;
 class QLabel;
 class QMenuBar;
+class ScheduleSuspension;
+class wAbout;
 class wGeneralSettings;
+class wMovie;
 
 // The one window that lives as long as the program: the menu bar, the logo, the countdown and
-// the two timers of the capture schedule. Closing it ends the program.
+// the two timers of the capture schedule, and the windows it opens. Closing it ends the program.
 class wMain final : public QWidget, public MenuHandlerHost, private ScheduleHost {
     Q_OBJECT
 
 public:
-    explicit wMain(CaptureRunner& runner);
+    // The window's parts outlive it; the windows that it opens hold `suspension`.
+    wMain(CaptureRunner& runner, ProgramSpeech& speech, ScheduleSuspension& suspension);
     ~wMain() override;
-
-    // The one instance, or nullptr before it is made and after it is gone.
-    static wMain* instance();
 
     // The real start of the program: settings, geometry, camera, update check, timers.
     void Event_Open();
     void ResetCountsAfterPrefs();
     // The settings window in front, its Save heard by this window.
     wGeneralSettings* showSettingsWindow();
+    // The about and movie windows, made and filled in if there is none.
+    wAbout* aboutWindow();
+    wMovie* movieWindow();
     // The menu bar sits inside the window, above the logo's area.
     void installMenuBar(QMenuBar* bar);
     // One capture run now, under the rules of an expiry of the interval timer.
     void captureNow();
     void setPaused(bool paused);
-    bool paused() const { return m_schedule.paused(); }
+    bool paused() const { return m_schedule.waiting(WaitReason::Paused); }
+    // Where the sources outside the window say why the schedule waits.
+    WaitReasonSink& waitReasons() { return m_schedule; }
+    // "Running", or why the schedule waits.
+    QString statusLine() const { return m_schedule.statusLine(); }
 
     QLabel* sttCountDown() const { return m_sttCountDown; }
     const MenuHandlers& menuHandlers() const override { return m_menuHandlers; }
@@ -43,6 +53,7 @@ public:
 
 signals:
     void pausedChanged(bool paused);
+    void statusChanged(const QString& status);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -52,6 +63,7 @@ private:
     void finishClosing();
     void AddMenuHandlers();
     bool _QVTPreferences_Action();
+    bool _HelpAbout_Action();
     bool _FileCheckForUpdates_Action();
     bool _ToolsCreateSlideshowMovie_Action();
     bool _HelpSendFeedback_Action();
@@ -62,8 +74,11 @@ private:
     void sGetWindowSettings();
     void timCountDown_Action();
     void timSnapShot_Action();
+    void suspensionChanged();
 
     // ScheduleHost
+    mGeneralSettings::Prefs settings() const override;
+    bool cameraReady() const override;
     void setCountDownVisible(bool visible) override;
     void setCountDownText(const QString& text) override;
     void refresh() override;
@@ -73,14 +88,20 @@ private:
     void resetDockIcon() override;
     void speak(const QString& text) override;
     void startCaptureRun() override;
+    void waitingChanged(const QString& status) override;
 
     CaptureRunner& m_runner;
+    ProgramSpeech& m_speech;
+    ScheduleSuspension& m_suspension;
     QLabel* m_ImageWell1;
     QLabel* m_sttCountDown;
     QtScheduleTimer m_timCountDown;
     QtScheduleTimer m_timSnapShot;
     CaptureSchedule m_schedule;
     MenuHandlers m_menuHandlers;
+    SingleWindow<wAbout> m_about;
+    SingleWindow<wGeneralSettings> m_settings;
+    SingleWindow<wMovie> m_movie;
     bool m_closing = false;
     bool m_closed = false;
 };

@@ -1,4 +1,4 @@
-#include "schedule/WindowSettings.h"
+#include "app/WindowSettings.h"
 
 namespace {
 constexpr int kMinLeft = 20;

@@ -1,8 +1,11 @@
-#include "schedule/wMain.h"
+#include "app/wMain.h"
 
-#include "base/AppState.h"
+#include "app/WindowSettings.h"
+#include "app/wAbout.h"
 #include "base/Resources.h"
+#include "base/ScheduleSuspension.h"
 #include "base/UnhandledException.h"
+#include "base/mCodeBaseGlv.h"
 #include "base/mProgramInfo.h"
 #include "capture/CameraLink.h"
 #include "capture/CaptureRunner.h"
@@ -11,7 +14,6 @@
 #include "feedback/WindowTransition.h"
 #include "platform/WaylandSession.h"
 #include "platform/screen/ScreenList.h"
-#include "schedule/WindowSettings.h"
 #include "settings/mGeneralSettings.h"
 #include "settings/mPolicies.h"
 #include "settings/mScreenSettings.h"
@@ -35,8 +37,6 @@ constexpr QRect kCountDownFrame(20, 158, 100, 20);
 // The update record of this platform's release.
 const QString kUpdateKey = QStringLiteral("kestrelview_linux");
 
-wMain* g_instance = nullptr;
-
 Qt::WindowFlags mainWindowFlags() {
     return Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
            Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint;
@@ -56,12 +56,17 @@ QLabel* makeCountDownLabel(QWidget* parent) {
 }
 } // namespace
 
-wMain::wMain(CaptureRunner& runner)
+wMain::wMain(CaptureRunner& runner, ProgramSpeech& speech, ScheduleSuspension& suspension)
     : QWidget(nullptr, mainWindowFlags())
     , m_runner(runner)
+    , m_speech(speech)
+    , m_suspension(suspension)
     , m_ImageWell1(new QLabel(this))
     , m_sttCountDown(makeCountDownLabel(m_ImageWell1))
-    , m_schedule(m_timCountDown, m_timSnapShot, *this, App()) {
+    , m_schedule(m_timCountDown, m_timSnapShot, *this)
+    , m_about([&suspension] { return new wAbout(suspension); })
+    , m_settings([&suspension] { return new wGeneralSettings(suspension); })
+    , m_movie([&suspension] { return new wMovie(suspension); }) {
     setWindowTitle("Kestrelview");
     // The menu bar lives in the window here, on top of the logo's area.
     auto* layout = new QVBoxLayout(this);
@@ -80,15 +85,13 @@ wMain::wMain(CaptureRunner& runner)
     // The countdown ticks from the start; the interval timer waits for the schedule to arm it,
     // so that a start cut short by an error never captures every second.
     m_timCountDown.setEnabled(true);
-    g_instance = this;
+    connect(&m_suspension, &ScheduleSuspension::changed, this, &wMain::suspensionChanged);
+    suspensionChanged();
 }
 
+// The windows that go with this one let the suspension go, which must not reach it any more.
 wMain::~wMain() {
-    g_instance = nullptr;
-}
-
-wMain* wMain::instance() {
-    return g_instance;
+    disconnect(&m_suspension, nullptr, this, nullptr);
 }
 
 void wMain::Event_Open() {
@@ -109,7 +112,7 @@ void wMain::Event_Open() {
         if (mGeneralSettings::current().pUpdateAtStartup) {
             CheckForUpdates(false);
         } else {
-            App().pActivateSnapShotTimer = true;
+            m_schedule.ActivateSnapShotTimer();
         }
         m_schedule.SetupCountDownTimer();
         m_schedule.SetupSnapShotTimer();
@@ -135,8 +138,16 @@ void wMain::captureNow() {
 }
 
 void wMain::setPaused(bool paused) {
-    runGuarded([&] { m_schedule.setPaused(paused); });
+    runGuarded([&] { m_schedule.setWaiting(WaitReason::Paused, paused); });
     emit pausedChanged(paused);
+}
+
+void wMain::suspensionChanged() {
+    runGuarded([this] {
+        m_schedule.setWaiting(WaitReason::Suspended,
+                              m_suspension.pSpecialWindowOpen() && !m_suspension.stranded());
+        m_schedule.setWaiting(WaitReason::LeftSuspended, m_suspension.stranded());
+    });
 }
 
 // The window goes once its effect has played, or at once where the effect is refused; the
@@ -171,6 +182,7 @@ void wMain::finishClosing() {
 
 void wMain::AddMenuHandlers() {
     m_menuHandlers.AddMenuHandler("QVTPreferences", [this] { return _QVTPreferences_Action(); });
+    m_menuHandlers.AddMenuHandler("HelpAbout", [this] { return _HelpAbout_Action(); });
     m_menuHandlers.AddMenuHandler("FileCheckForUpdates", [this] { return _FileCheckForUpdates_Action(); });
     m_menuHandlers.AddMenuHandler("ToolsCreateSlideshowMovie",
                                   [this] { return _ToolsCreateSlideshowMovie_Action(); });
@@ -189,13 +201,30 @@ bool wMain::_QVTPreferences_Action() {
     return false;
 }
 
+bool wMain::_HelpAbout_Action() {
+    fxWindowTransition(this, "Flip", "Left", 1, 0, [window = QPointer<wMain>(this)] {
+        if (window) {
+            bringToFront(window->aboutWindow());
+        }
+    });
+    return false;
+}
+
 wGeneralSettings* wMain::showSettingsWindow() {
-    wGeneralSettings* settings = wGeneralSettings::instance();
+    wGeneralSettings* settings = m_settings.get();
     connect(settings, &wGeneralSettings::showCountdownChosen, m_sttCountDown, &QLabel::setVisible,
             Qt::UniqueConnection);
     connect(settings, &wGeneralSettings::saved, this, &wMain::ResetCountsAfterPrefs, Qt::UniqueConnection);
     bringToFront(settings);
     return settings;
+}
+
+wAbout* wMain::aboutWindow() {
+    return m_about.get();
+}
+
+wMovie* wMain::movieWindow() {
+    return m_movie.get();
 }
 
 bool wMain::_FileCheckForUpdates_Action() {
@@ -205,7 +234,7 @@ bool wMain::_FileCheckForUpdates_Action() {
 
 // Without a transition: the movie window has only a closing one.
 bool wMain::_ToolsCreateSlideshowMovie_Action() {
-    bringToFront(wMovie::instance());
+    bringToFront(movieWindow());
     return true;
 }
 
@@ -234,6 +263,7 @@ int wMain::menuBarHeight() const {
 // interval timer.
 void wMain::CheckForUpdates(bool interactive) {
     auto* check = new cAutoUpdate(this);
+    connect(check, &cAutoUpdate::CheckEnded, this, [this] { m_schedule.ActivateSnapShotTimer(); });
     check->CheckVersion(this, kUpdateKey, interactive);
 }
 
@@ -250,6 +280,14 @@ void wMain::timCountDown_Action() {
 
 void wMain::timSnapShot_Action() {
     runGuarded([this] { m_schedule.SnapShotAction(); });
+}
+
+mGeneralSettings::Prefs wMain::settings() const {
+    return mGeneralSettings::current();
+}
+
+bool wMain::cameraReady() const {
+    return mCodeBaseGlv::pVideoGoodToGo;
 }
 
 void wMain::setCountDownVisible(bool visible) {
@@ -281,9 +319,13 @@ void wMain::resetDockIcon() {
 }
 
 void wMain::speak(const QString& text) {
-    mCodeBaseStd::sSpeakText(text);
+    m_speech.sSpeakText(text);
 }
 
 void wMain::startCaptureRun() {
     m_runner.Run(CaptureRunInput{mGeneralSettings::current(), screenAreas()});
+}
+
+void wMain::waitingChanged(const QString& status) {
+    emit statusChanged(status);
 }

@@ -1,6 +1,0 @@
-#include "base/AppState.h"
-
-AppState& App() {
-    static AppState state;
-    return state;
-}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+// Why the capture schedule waits. While any reason holds, no capture starts, the countdown stands
+// and reads the word of the first that holds in the table of WaitReason.cpp, and expiries are lost;
+// the schedule goes on by itself at the next expiry after the last reason ends. A new reason is a
+// line here and a line in that table.
+enum class WaitReason {
+    Paused,        // the user's pause
+    Suspended,     // a window that suspends the schedule is open
+    LeftSuspended, // such a window was closed by its close box, and nobody ends the suspension
+};
+
+struct WaitReasonText {
+    WaitReason reason;
+    const char* word;     // for the countdown
+    const char* sentence; // for the tray icon's tooltip and the status
+};
+
+// Where the sources outside the schedule (a pause, the windows, watchers of the session) say
+// whether their reason holds.
+class WaitReasonSink {
+public:
+    virtual void setWaiting(WaitReason reason, bool on) = 0;
+
+protected:
+    ~WaitReasonSink() = default;
+};
+
+// The status while no reason holds.
+inline const QString kRunningStatus = QStringLiteral("Running");
+
+// The set of reasons that hold.
+class WaitReasons {
+public:
+    // True when that changed anything.
+    bool set(WaitReason reason, bool on);
+    bool has(WaitReason reason) const;
+    bool any() const { return m_bits != 0; }
+    // The first that holds; empty when none does.
+    std::optional<WaitReasonText> first() const;
+    // One line: kRunningStatus, or the sentence of the first reason that holds.
+    QString statusLine() const;
+
+private:
+    unsigned m_bits = 0;
+};
