@@ -6,6 +6,7 @@
 #include "settings/CamImgSize.h"
 #include "settings/SettingControls.h"
 #include "settings/mGeneralSettings.h"
+#include "settings/wMoreSettings.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -147,6 +148,8 @@ wGeneralSettings::wGeneralSettings(ScheduleSuspension& suspension)
                   {20, 448, 482, 20});
     restart->setFont(QFont("Verdana", restart->font().pointSize()));
     restart->setStyleSheet("color: #004080;");
+    // In the free corner of the buttons' row, so that nothing of the window's layout moves.
+    auto* btnMore = makeButton(this, "btnMore", "More ...", {20, 480, 80, 20});
     m_btnCancel = makeButton(this, "btnCancel", "Cancel", {330, 480, 80, 20});
     m_btnSave = makeButton(this, "btnSave", "Save", {422, 480, 80, 20});
     setDefaultButton(m_btnSave);
@@ -156,6 +159,7 @@ wGeneralSettings::wGeneralSettings(ScheduleSuspension& suspension)
     connect(m_btnSave, &QPushButton::clicked, this, &wGeneralSettings::btnSave_Action);
     connect(m_btnCancel, &QPushButton::clicked, this, &wGeneralSettings::btnCancel_Action);
     connect(m_btnChoose1, &QPushButton::clicked, this, &wGeneralSettings::btnChoose1_Action);
+    connect(btnMore, &QPushButton::clicked, this, [] { bringToFront(wMoreSettings::instance()); });
     connect(m_chkUseSpeech, &QCheckBox::clicked, this, &wGeneralSettings::chkUseSpeech_Action);
     connect(m_rb1, &QButtonGroup::idClicked, this, &wGeneralSettings::rb1_Action);
 }

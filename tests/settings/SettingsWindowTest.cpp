@@ -1,6 +1,8 @@
 #include "app/ProgramFixture.h"
 
 #include "settings/wGeneralSettings.h"
+#include "settings/wMoreSettings.h"
+#include "support/Files.h"
 
 #include <QApplication>
 #include <QFileDialog>
@@ -10,6 +12,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalSpy>
+#include <QSpinBox>
 #include <QTest>
 #include <QTimer>
 
@@ -143,5 +146,48 @@ TEST_F(SettingsWindowTest, EditsReachTheStoreAndTheMainWindowOnlyBySaveAndStored
         click("btnSave");
         EXPECT_EQ(readBinFile(kFile), stored) << "nothing cut, nor lengthened by typing";
     }
+}
+} // namespace
+
+namespace {
+// The rules' window from the settings window's "More ..." button; in a Wayland session the
+// private-window rules show as not available, and keep what they hold.
+TEST_F(SettingsWindowTest, MoreSavesTheRulesOnlyWhenEachTextHasItsForm) {
+    using mPolicies::Policies;
+    const QString file = binPath("KestrelviewPolicies.ini");
+    const bool sessionSet = qEnvironmentVariableIsSet("XDG_SESSION_TYPE");
+    const QByteArray session = qgetenv("XDG_SESSION_TYPE");
+    for (const bool wayland : {false, true}) {
+        Policies stored;
+        stored.pPrivateWindows = "KeePassXC";
+        mPolicies::SavePolicies(stored);
+        const QByteArray before = readFile(file);
+        qputenv("XDG_SESSION_TYPE", wayland ? "wayland" : "x11");
+        open();
+        click("btnMore");
+        QPointer<wMoreSettings> more = wMoreSettings::instance();
+        sessionSet ? qputenv("XDG_SESSION_TYPE", session) : qunsetenv("XDG_SESSION_TYPE");
+        ASSERT_TRUE(QTest::qWaitForWindowActive(more));
+        const auto field = [&](const char* key) { return more->findChild<QWidget*>(key); };
+        for (const char* key : {"pPrivateWindows", "pPrivateCamera"}) {
+            EXPECT_EQ(field(key)->isEnabled(), !wayland) << key;
+        }
+        QTest::keyClicks(field("pCaptureDays"), "Mon,Someday");
+        QTest::mouseClick(field("pSkipUnchanged"), Qt::LeftButton, {}, QPoint(6, 6));
+        qobject_cast<QSpinBox*>(field("pKeepDays"))->setValue(7);
+        QTest::mouseClick(more->findChild<QPushButton*>("btnSave"), Qt::LeftButton);
+        ASSERT_TRUE(more && more->isVisible()) << "a text out of form is not saved";
+        EXPECT_EQ(readFile(file), before);
+        QTest::keyClicks(field("pCaptureDays"), QString(7, '\b') + "fri");
+        QTest::keyClick(more, Qt::Key_Return);
+        EXPECT_TRUE(!more || !more->isVisible());
+        mPolicies::LoadPolicies();
+        stored.pCaptureDays = "Mon,fri";
+        stored.pSkipUnchanged = false;
+        stored.pKeepDays = 7;
+        EXPECT_TRUE(mPolicies::current() == stored) << readFile(file).toStdString();
+        click("btnCancel");
+    }
+    EXPECT_EQ(m_presenter.texts(), std::vector<QString>(2, "Capture Days are Written as Mon,Tue,Wed ..."));
 }
 } // namespace
