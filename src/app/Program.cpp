@@ -54,7 +54,8 @@ int runProgram(int& argc, char** argv, std::optional<SessionCommand> command) {
         presenter.stopWaiting();
         waitForMovieAssembly();
     }
-    runner.waitForRuns(); // a run under way finishes its files before the program ends
+    // A run under way may finish its files; one stuck in a grab or a write is left behind.
+    runner.finishRuns(CaptureRunner::kQuitPatience);
     return status;
 }
 

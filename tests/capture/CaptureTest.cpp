@@ -1,3 +1,4 @@
+#include "base/DialogPresenter.h"
 #include "base/NilObjectException.h"
 #include "base/mCodeBaseGlv.h"
 #include "base/mProgramInfo.h"
@@ -19,10 +20,13 @@
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QMessageBox>
 #include <QPainter>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -90,19 +94,94 @@ TEST_F(CaptureRunTest, EachWantedScreenGetsAFileStampedAfterItsGrabUntilOneCanno
     EXPECT_TRUE(m_presenter.messages().empty());
 }
 
-TEST_F(CaptureRunTest, AnExceptionInARunReachesTheUnhandledWarningAndTheRunnerWaitsForRunsWhenItGoes) {
-    CaptureRunInput unreachable = input();
-    unreachable.screens[0] = QRect(-100, -100, 50, 50);
-    {
-        CaptureRunner runner(*m_grabber, m_clock);
-        runner.Run(unreachable);
-        runner.waitForRuns();
-        runner.Run(input());
-        runner.Run(input("TRUE"));
+// A display whose runs wait at their start while the test holds it, as a hung server keeps them.
+class HeldGrabber final : public ScreenGrabber {
+public:
+    explicit HeldGrabber(ScreenGrabber& display)
+        : m_display(display) {}
+    ScreenRunStart beginRun(const QList<QRect>& screens) override {
+        ++waiting;
+        while (held) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        --waiting;
+        return m_display.beginRun(screens);
     }
-    EXPECT_EQ(entriesIn(destination()).size(), 4);
-    ASSERT_EQ(m_presenter.texts(), std::vector<QString>{"Unhandled Exception.  Contact Support ..."});
-    EXPECT_EQ(m_presenter.messages()[0].heading, "WARNING:");
+    std::atomic<bool> held{true};
+    std::atomic<int> waiting{0};
+
+private:
+    ScreenGrabber& m_display;
+};
+
+int threadCount() {
+    return int(QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot).size());
+}
+
+TEST_F(CaptureRunTest, WhileTwoRunsAreStuckExpiriesStartNoneTellingOnceAStallAndQuitWaitsAFewSecondsAtMost) {
+    HeldGrabber grabber(*m_grabber);
+    const int threads = threadCount();
+    auto runner = std::make_unique<CaptureRunner>(grabber, m_clock);
+    const auto expire = [&](int times) {
+        for (int expiry = 0; expiry < times; ++expiry) {
+            runner->Run(input());
+        }
+        QTest::qWait(50); // the warning is posted to the GUI thread
+    };
+    expire(20);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return grabber.waiting == 2; }));
+    EXPECT_LE(threadCount(), threads + 2);
+    const QString stalled = "Skipping Captures While Earlier Ones Are Still Running ...";
+    EXPECT_EQ(m_presenter.texts(), std::vector<QString>{stalled});
+    // The stall ends with the runs, and the next one is told anew.
+    grabber.held = false;
+    runner->waitForRuns();
+    EXPECT_EQ(entriesIn(destination()).size(), 6);
+    grabber.held = true;
+    expire(5);
+    EXPECT_EQ(m_presenter.texts(), std::vector<QString>(2, stalled));
+    QElapsedTimer quitting;
+    quitting.start();
+    runner.reset();
+    EXPECT_LT(quitting.elapsed(), CaptureRunner::kQuitPatience.count() + 1000);
+    // Runs left behind at quit write nothing once their grab comes back.
+    grabber.held = false;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return threadCount() == threads; }));
+    EXPECT_EQ(entriesIn(destination()).size(), 6);
+}
+
+TEST_F(CaptureRunTest, AFailedRunWarnsAndTheWarningIsNotShownAgainWhileOnScreenSoFailingRunsPileUpNothing) {
+    DialogPresenter presenter;
+    installMessagePresenter(&presenter);
+    CaptureRunInput failing = input();
+    failing.screens[0] = QRect(-100, -100, 50, 50);
+    CaptureRunner runner(*m_grabber, m_clock);
+    const int threads = threadCount();
+    std::vector<std::pair<int, int>> seen; // dialogs on screen and threads, at each expiry
+    // Expiries come from a timer, as the schedule's do, and go on while the warning is open.
+    QTimer timSnapShot;
+    QObject::connect(&timSnapShot, &QTimer::timeout, [&] {
+        const QWidgetList windows = QApplication::topLevelWidgets();
+        seen.emplace_back(
+            std::count_if(windows.begin(), windows.end(),
+                          [](QWidget* w) { return qobject_cast<QMessageBox*>(w) && w->isVisible(); }),
+            threadCount());
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            box && (seen.size() == 30 || seen.size() == 45)) {
+            EXPECT_EQ(box->text() + " " + box->informativeText(),
+                      "WARNING: Unhandled Exception.  Contact Support ...");
+            box->close();
+        }
+        seen.size() < 45 ? runner.Run(failing) : timSnapShot.stop();
+    });
+    timSnapShot.start(20);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return seen.size() == 45; }, 30000));
+    installMessagePresenter(&m_presenter);
+    EXPECT_EQ(std::max_element(seen.begin(), seen.end())->first, 1);
+    EXPECT_LE(std::max_element(seen.begin(), seen.end(), [](auto a, auto b) { return a.second < b.second; })
+                  ->second,
+              threads + 2);
+    EXPECT_EQ(seen.back().first, 1); // shown again once answered
 }
 
 // The frame window on the screen, once there is one: all windows here are frame windows.
