@@ -30,7 +30,8 @@ Program::Program(const Clock& clock)
     connectMainWindow(*m_main, *m_menu);
 }
 
-// The runner, as it goes, lets a run under way finish its files.
+// The runner, as it goes, lets a run under way finish its files; one stuck in a grab or a write
+// is left behind after a few seconds.
 Program::~Program() = default;
 
 Menu& Program::menu() {

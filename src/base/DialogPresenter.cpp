@@ -19,9 +19,19 @@ void showDialog(MessageKind kind, const QString& heading, const QString& text) {
 }
 } // namespace
 
+void DialogPresenter::showUnlessShown(MessageKind kind, const QString& heading, const QString& text) {
+    const QString message = heading + '\n' + text;
+    if (m_onScreen.contains(message)) {
+        return;
+    }
+    m_onScreen.insert(message);
+    showDialog(kind, heading, text);
+    m_onScreen.remove(message);
+}
+
 void DialogPresenter::present(MessageKind kind, const QString& heading, const QString& text) {
     if (onGuiThread()) {
-        showDialog(kind, heading, text);
+        showUnlessShown(kind, heading, text);
         return;
     }
     if (m_stopped || QCoreApplication::instance() == nullptr) {
@@ -30,8 +40,8 @@ void DialogPresenter::present(MessageKind kind, const QString& heading, const QS
     }
     auto answered = std::make_shared<std::promise<void>>();
     std::future<void> answer = answered->get_future();
-    postToGuiThread([=] {
-        showDialog(kind, heading, text);
+    postToGuiThread([=, this] {
+        showUnlessShown(kind, heading, text);
         answered->set_value();
     });
     // A dialog that never comes up (the event loop has ended) leaves a broken promise: ready too.

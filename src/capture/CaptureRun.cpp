@@ -13,10 +13,14 @@
 #include <QDir>
 
 namespace {
-void takeScreen(const CaptureRunInput& input, int index, ScreenRun& screens, const Clock& clock) {
+void takeScreen(const CaptureRunInput& input, int index, ScreenRun& screens, const Clock& clock,
+                const std::stop_token& stop) {
     // Only this screen's pixels are held; they go at the end of the pass.
     const std::optional<Picture> picture =
         index < input.screens.size() ? screens.grab(input.screens.at(index)) : std::nullopt;
+    if (stop.stop_requested()) {
+        return;
+    }
     if (!picture || picture->isNull()) {
         throw NilObjectException("screen " + std::to_string(index) + " could not be grabbed");
     }
@@ -31,12 +35,16 @@ void takeScreen(const CaptureRunInput& input, int index, ScreenRun& screens, con
     writeProgressiveJpeg(*picture, input.prefs.pQuality, QDir(*folder).filePath(name));
 }
 
-void takeScreens(const CaptureRunInput& input, ScreenGrabber& grabber, const Clock& clock) {
+void takeScreens(const CaptureRunInput& input, ScreenGrabber& grabber, const Clock& clock,
+                 const std::stop_token& stop) {
     const int count = input.prefs.pPrimaryOnly ? 1 : int(input.screens.size());
     if (count == 0) {
         return;
     }
     const ScreenRunStart start = grabber.beginRun(input.screens);
+    if (stop.stop_requested()) {
+        return;
+    }
     if (!start.run) {
         // A desktop that said no says it at every run until someone changes its mind: only the
         // first refusal in a row is a screen that could not be grabbed, the others pass in silence.
@@ -45,8 +53,8 @@ void takeScreens(const CaptureRunInput& input, ScreenGrabber& grabber, const Clo
         }
         return;
     }
-    for (int index = 0; index < count; ++index) {
-        takeScreen(input, index, *start.run, clock);
+    for (int index = 0; index < count && !stop.stop_requested(); ++index) {
+        takeScreen(input, index, *start.run, clock, stop);
     }
 }
 
@@ -63,11 +71,12 @@ void takeCameraPhoto() {
 } // namespace
 
 namespace mCodeBaseStd {
-void sTakePictures(const CaptureRunInput& input, ScreenGrabber& grabber, const Clock& clock) {
+void sTakePictures(const CaptureRunInput& input, ScreenGrabber& grabber, const Clock& clock,
+                   const std::stop_token& stop) {
     if (input.prefs.pUseScreen) {
-        takeScreens(input, grabber, clock);
+        takeScreens(input, grabber, clock, stop);
     }
-    if (input.prefs.pUseCamera) {
+    if (input.prefs.pUseCamera && !stop.stop_requested()) {
         takeCameraPhoto();
     }
 }

@@ -5,6 +5,8 @@
 #include <QList>
 #include <QRect>
 
+#include <stop_token>
+
 class ScreenGrabber;
 class Clock;
 
@@ -18,6 +20,9 @@ namespace mCodeBaseStd {
 // One whole capture run: a progressive JPEG per wanted screen into the destination folder, then
 // the camera stage. Runs on a capture thread. Throws NilObjectException when a screen cannot be
 // grabbed, the files of earlier screens staying, and when the desktop refuses the screens after it
-// had not; a refusal repeated skips the screens in silence.
-void sTakePictures(const CaptureRunInput& input, ScreenGrabber& grabber, const Clock& clock);
+// had not; a refusal repeated skips the screens in silence, as does a desktop still busy with an
+// earlier run.
+// A run told to stop, as at quit, writes no further file.
+void sTakePictures(const CaptureRunInput& input, ScreenGrabber& grabber, const Clock& clock,
+                   const std::stop_token& stop = {});
 } // namespace mCodeBaseStd

@@ -2,24 +2,34 @@
 
 #include "capture/CaptureRun.h"
 
+#include <chrono>
 #include <memory>
 
 class ScreenGrabber;
 class Clock;
 
-// Starts capture runs, each on a thread of its own, and waits for those under way when it goes.
-// An exception that leaves a run reaches Event_UnhandledException.
+// Starts capture runs, each on a thread of its own, at most two at a time. An exception that
+// leaves a run reaches Event_UnhandledException.
 class CaptureRunner {
 public:
+    // How long quitting waits for the runs under way.
+    static constexpr std::chrono::milliseconds kQuitPatience{3000};
+
     CaptureRunner(ScreenGrabber& grabber, const Clock& clock);
+    // Waits for the runs under way as quitting does.
     ~CaptureRunner();
     CaptureRunner(const CaptureRunner&) = delete;
     CaptureRunner& operator=(const CaptureRunner&) = delete;
 
-    // Returns at once; a second run may start while the first is still working.
+    // Returns at once. A second run may start while the first is still working; while two are,
+    // or while the grabber would keep a new run waiting behind an earlier one, the expiry starts
+    // none and is lost, and the user is told once until a run starts again. GUI thread.
     void Run(CaptureRunInput input);
     // Blocks until no run is under way.
     void waitForRuns();
+    // Waits at most `patience` for the runs under way; those still going are left to end with the
+    // process, and write nothing more.
+    void finishRuns(std::chrono::milliseconds patience);
 
 private:
     struct Impl;

@@ -1,3 +1,4 @@
+#include "base/DialogPresenter.h"
 #include "base/NilObjectException.h"
 #include "base/mCodeBaseGlv.h"
 #include "base/mProgramInfo.h"
@@ -19,10 +20,13 @@
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QMessageBox>
 #include <QPainter>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -90,19 +94,86 @@ TEST_F(CaptureRunTest, EachWantedScreenGetsAFileStampedAfterItsGrabUntilOneCanno
     EXPECT_TRUE(m_presenter.messages().empty());
 }
 
-TEST_F(CaptureRunTest, AnExceptionInARunReachesTheUnhandledWarningAndTheRunnerWaitsForRunsWhenItGoes) {
-    CaptureRunInput unreachable = input();
-    unreachable.screens[0] = QRect(-100, -100, 50, 50);
-    {
-        CaptureRunner runner(*m_grabber, m_clock);
-        runner.Run(unreachable);
-        runner.waitForRuns();
-        runner.Run(input());
-        runner.Run(input("TRUE"));
+// A display whose runs wait at their start while the test holds it, as a hung server keeps them.
+struct HeldGrabber final : ScreenGrabber {
+    explicit HeldGrabber(ScreenGrabber& display)
+        : display(display) {}
+    ScreenRunStart beginRun(const QList<QRect>& screens) override {
+        while (held) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return display.beginRun(screens);
     }
-    EXPECT_EQ(entriesIn(destination()).size(), 4);
-    ASSERT_EQ(m_presenter.texts(), std::vector<QString>{"Unhandled Exception.  Contact Support ..."});
-    EXPECT_EQ(m_presenter.messages()[0].heading, "WARNING:");
+    ScreenGrabber& display;
+    std::atomic<bool> held{true};
+};
+
+int threadCount() {
+    return int(QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot).size());
+}
+
+TEST_F(CaptureRunTest, WhileTwoRunsAreStuckExpiriesStartNoneTellingOnceAStallAndQuitWaitsAFewSecondsAtMost) {
+    HeldGrabber grabber(*m_grabber);
+    const int threads = threadCount();
+    auto runner = std::make_unique<CaptureRunner>(grabber, m_clock);
+    const auto expire = [&](int times) {
+        for (int expiry = 0; expiry < times; ++expiry) {
+            runner->Run(input());
+        }
+        QTest::qWait(50); // the warning is posted to the GUI thread
+    };
+    expire(20);
+    EXPECT_EQ(threadCount(), threads + 2);
+    const QString stalled = "Skipping Captures While Earlier Ones Are Still Running ...";
+    EXPECT_EQ(m_presenter.texts(), std::vector<QString>{stalled});
+    // The stall ends with the runs, and the next one is told anew.
+    grabber.held = false;
+    runner->waitForRuns();
+    EXPECT_EQ(entriesIn(destination()).size(), 6);
+    grabber.held = true;
+    expire(5);
+    EXPECT_EQ(m_presenter.texts(), std::vector<QString>(2, stalled));
+    QElapsedTimer quitting;
+    quitting.start();
+    runner.reset();
+    EXPECT_LT(quitting.elapsed(), CaptureRunner::kQuitPatience.count() + 1000);
+    // Runs left behind at quit write nothing once their grab comes back.
+    grabber.held = false;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return threadCount() == threads; }));
+    EXPECT_EQ(entriesIn(destination()).size(), 6);
+}
+
+TEST_F(CaptureRunTest, AFailedRunsWarningIsNotShownAgainWhileOnScreenSoFailingRunsPileUpNothing) {
+    DialogPresenter presenter;
+    installMessagePresenter(&presenter);
+    CaptureRunInput failing = input();
+    failing.screens[0] = QRect(-100, -100, 50, 50);
+    CaptureRunner runner(*m_grabber, m_clock);
+    const int threads = threadCount();
+    int expiries = 0, dialogs = 0, mostDialogs = 0, mostThreads = 0;
+    // Expiries come from a timer, as the schedule's do, and go on while the warning is open; it is
+    // answered every fifteenth.
+    QTimer timSnapShot;
+    QObject::connect(&timSnapShot, &QTimer::timeout, [&] {
+        dialogs = int(std::ranges::count_if(QApplication::topLevelWidgets(), [](QWidget* w) {
+            return qobject_cast<QMessageBox*>(w) && w->isVisible();
+        }));
+        mostDialogs = std::max(mostDialogs, dialogs);
+        mostThreads = std::max(mostThreads, threadCount());
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            ++expiries % 15 == 0 && box) {
+            EXPECT_EQ(box->text() + " " + box->informativeText(),
+                      "WARNING: Unhandled Exception.  Contact Support ...");
+            box->close();
+        }
+        expiries < 45 ? runner.Run(failing) : timSnapShot.stop();
+    });
+    timSnapShot.start(20);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return expiries == 45; }, 30000));
+    installMessagePresenter(&m_presenter);
+    EXPECT_EQ(mostDialogs, 1);
+    EXPECT_LE(mostThreads, threads + 2);
+    EXPECT_EQ(dialogs, 1); // shown again once answered
 }
 
 // The frame window on the screen, once there is one: all windows here are frame windows.

@@ -4,9 +4,10 @@
 # wlroots portal needs to start at all), and xdg-desktop-portal with its wlroots and gtk back ends
 # (the gtk one supplies the Access part without which no Screenshot interface is offered).
 # Everything started here is stopped again by pid; the exit status is the command's.
-# Usage: wayland-session.sh [--portal working|refusing|absent] -- command [args...]
+# Usage: wayland-session.sh [--portal working|refusing|stalling|absent] -- command [args...]
 #   refusing: the screenshot tool behind the portal fails, so every request is answered "no";
 #             each refusal adds a line to the file named by KV_WL_REFUSALS
+#   stalling: the screenshot tool never ends while the portal runs, so no request is answered
 #   absent:   xdg-desktop-portal runs with no back end, so there is no Screenshot interface
 # The outputs (also exported to the command):
 #   KV_WL_OUT1=1280x800 KV_WL_BG1=#336699 at 0,0   KV_WL_OUT2=1024x768 KV_WL_BG2=#cc6633 beside it
@@ -19,7 +20,7 @@ while [ $# -gt 0 ]; do
         *) break ;;
     esac
 done
-[ $# -gt 0 ] || { echo "usage: $0 [--portal working|refusing|absent] -- COMMAND [ARGS...]" >&2; exit 2; }
+[ $# -gt 0 ] || { echo "usage: $0 [--portal working|refusing|stalling|absent] -- COMMAND [ARGS...]" >&2; exit 2; }
 : "${KV_WL_OUT1:=1280x800}" "${KV_WL_OUT2:=1024x768}" "${KV_WL_BG1:=#336699}" "${KV_WL_BG2:=#cc6633}"
 export KV_WL_OUT1 KV_WL_OUT2 KV_WL_BG1 KV_WL_BG2
 
@@ -110,7 +111,7 @@ SR=$S/sway-runtime
 cat >"$S/sway.cfg" <<CFG
 xwayland disable
 output HEADLESS-1 mode $KV_WL_OUT1 position 0 0 bg $KV_WL_BG1 solid_color
-output HEADLESS-2 mode $KV_WL_OUT2 position $W1 0 bg $KV_WL_BG2 solid_color
+output HEADLESS-2 mode $KV_WL_OUT2 position $W1 0 bg $KV_WL_BG2 solid_color scale ${KV_WL_SCALE2:-1}
 CFG
 chmod 644 "$S/sway.cfg"
 export WLR_BACKENDS=headless WLR_LIBINPUT_NO_DEVICES=1 WLR_RENDERER=pixman WLR_HEADLESS_OUTPUTS=1
@@ -145,6 +146,10 @@ case $_KV_WL_PORTAL in
         cp /usr/share/xdg-desktop-portal/portals/{wlr,gtk}.portal "$S/portals/"
         export KV_WL_REFUSALS=$S/refusals
         printf '#!/bin/sh\necho no >>"%s"\nexit 1\n' "$KV_WL_REFUSALS" >"$S/bin/grim" && chmod +x "$S/bin/grim"
+        portal_path=$S/bin:$PATH ;;
+    stalling)
+        cp /usr/share/xdg-desktop-portal/portals/{wlr,gtk}.portal "$S/portals/"
+        printf '#!/bin/sh\nwhile kill -0 $PPID 2>/dev/null; do sleep 0.2; done\n' >"$S/bin/grim" && chmod +x "$S/bin/grim"
         portal_path=$S/bin:$PATH ;;
     absent) ;;
     *) fail "unknown portal mode $_KV_WL_PORTAL" ;;

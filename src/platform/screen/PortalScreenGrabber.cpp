@@ -5,6 +5,8 @@
 #include <QDBusConnection>
 #include <QImage>
 
+#include <thread>
+
 namespace {
 // The screens of one run, cut from one picture of the whole desktop without a copy.
 class DesktopShotRun final : public ScreenRun {
@@ -60,30 +62,56 @@ PortalScreenGrabber::PortalScreenGrabber(std::unique_ptr<PortalScreenshot> scree
 }
 
 PortalScreenGrabber::~PortalScreenGrabber() {
+    {
+        std::lock_guard lock(m_mutex);
+        m_closing = true;
+    }
     // Goes on its own thread, where its timer and bus connection live; a run still waiting for
-    // it is told no.
+    // it is told no, and must have left before the grabber goes.
     QMetaObject::invokeMethod(
         m_screenshot.get(), [this] { m_screenshot.reset(); }, Qt::BlockingQueuedConnection);
     m_thread.quit();
     m_thread.wait();
+    while (m_waiting.load()) {
+        std::this_thread::yield();
+    }
+}
+
+std::optional<QByteArray> PortalScreenGrabber::waitForShot() {
+    std::future<PortalShot> shot;
+    {
+        std::lock_guard lock(m_mutex);
+        if (m_closing) {
+            return std::nullopt;
+        }
+        auto answer = std::make_shared<std::promise<PortalShot>>();
+        shot = answer->get_future();
+        QMetaObject::invokeMethod(
+            m_screenshot.get(),
+            [screenshot = m_screenshot.get(), answer = std::move(answer)] { screenshot->request(answer); },
+            Qt::QueuedConnection);
+    }
+    return shot.get();
 }
 
 ScreenRunStart PortalScreenGrabber::beginRun(const QList<QRect>& screens) {
-    auto answer = std::make_shared<std::promise<PortalShot>>();
-    std::future<PortalShot> shot = answer->get_future();
-    QMetaObject::invokeMethod(
-        m_screenshot.get(), [screenshot = m_screenshot.get(), answer] { screenshot->request(answer); },
-        Qt::QueuedConnection);
-    PortalShot png;
-    try {
-        png = shot.get();
-    } catch (const std::future_error&) {
-        // The grabber went while the request waited: as good as a refusal.
+    if (m_waiting.exchange(true)) {
+        return {nullptr, false}; // lost, like any run while an earlier one is still under way
     }
+    const PortalShot png = waitForShot();
+    bool refusalIsNew = false;
+    {
+        std::lock_guard lock(m_mutex);
+        refusalIsNew = !png && !m_closing && !m_refused.exchange(true);
+    }
+    if (png) {
+        m_refused = false;
+    }
+    // The last of the grabber that a run touches.
+    m_waiting = false;
     if (!png) {
-        return {nullptr, !m_refused.exchange(true)};
+        return {nullptr, refusalIsNew};
     }
-    m_refused = false;
     // A PNG that does not decode is a shot with no screens in it: every grab comes back empty.
     auto desktop =
         std::make_shared<const QImage>(QImage::fromData(*png, "PNG").convertToFormat(QImage::Format_RGB32));

@@ -8,6 +8,7 @@
 #include <QUrl>
 
 #include <atomic>
+#include <utility>
 
 namespace {
 const QString kService = QStringLiteral("org.freedesktop.portal.Desktop");
@@ -39,17 +40,19 @@ PortalScreenshot::PortalScreenshot(QDBusConnection bus)
 }
 
 PortalScreenshot::~PortalScreenshot() {
-    listenOn(QString());
+    finish(std::nullopt);
 }
 
 void PortalScreenshot::request(PortalAnswer answer) {
-    m_queue.push_back(std::move(answer));
-    if (m_queue.size() == 1) {
-        sendNext();
+    if (m_answer) {
+        answer->set_value(std::nullopt);
+        return;
     }
+    m_answer = std::move(answer);
+    send();
 }
 
-void PortalScreenshot::sendNext() {
+void PortalScreenshot::send() {
     m_request = ++g_requests;
     const QString token = QStringLiteral("kestrelview%1").arg(m_request);
     // Listen before asking, on the path the portal will give the request, so that no early
@@ -69,7 +72,7 @@ void PortalScreenshot::sendNext() {
 
 void PortalScreenshot::onCalled(QDBusPendingCallWatcher* call, quint64 number) {
     call->deleteLater();
-    if (number != m_request || m_queue.empty()) {
+    if (number != m_request || !m_answer) {
         return; // the reply of a request that was given up
     }
     const QDBusPendingReply<QDBusObjectPath> reply = *call;
@@ -99,14 +102,10 @@ void PortalScreenshot::listenOn(const QString& handle) {
 }
 
 void PortalScreenshot::finish(PortalShot shot) {
-    if (m_queue.empty()) {
+    if (!m_answer) {
         return;
     }
     m_patience.stop();
     listenOn(QString());
-    m_queue.front()->set_value(std::move(shot));
-    m_queue.pop_front();
-    if (!m_queue.empty()) {
-        sendNext();
-    }
+    std::exchange(m_answer, nullptr)->set_value(std::move(shot));
 }

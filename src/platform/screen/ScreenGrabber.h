@@ -42,6 +42,9 @@ public:
     // Begins one capture run over `screens` (device pixels, primary first). A display that hands
     // out the whole desktop at once is asked here, once per run. Safe to call from any thread.
     virtual ScreenRunStart beginRun(const QList<QRect>& screens) = 0;
+    // True while a run begun now would wait behind an earlier one's request; such a run gets
+    // no screens.
+    virtual bool busy() const { return false; }
 };
 
 // The back end for the running session: the desktop portal on Wayland, XCB on X11, and a null one

@@ -1,5 +1,7 @@
 #include "platform/screen/XcbScreenGrabber.h"
 
+#include "platform/screen/XcbReply.h"
+
 #include <xcb/shm.h>
 #include <xcb/xcb.h>
 
@@ -12,11 +14,6 @@
 #include <sys/shm.h>
 
 namespace {
-template <typename T> struct FreeReply {
-    void operator()(T* reply) const { std::free(reply); }
-};
-template <typename T> using ReplyPtr = std::unique_ptr<T, FreeReply<T>>;
-
 struct Disconnect {
     void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
 };
