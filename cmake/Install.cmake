@@ -41,6 +41,6 @@ set(CPACK_DEBIAN_PACKAGE_HOMEPAGE http://www.kestrelview.com/)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS
     "qt6-qpa-plugins, qt6-wayland, gstreamer1.0-plugins-base, gstreamer1.0-plugins-good, espeak-ng-data")
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-user-dirs")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-user-dirs, ca-certificates")
 set(CPACK_STRIP_FILES ON)
 include(CPack)

@@ -52,6 +52,8 @@ template <typename Record, std::size_t N> using SettingsTable = std::array<Setti
 template <typename... F> struct Overloaded : F... {
     using F::operator()...;
 };
+// Clang before 17 deduces an aggregate's arguments only with a guide; the fuzz build uses clang.
+template <typename... F> Overloaded(F...) -> Overloaded<F...>;
 
 // The setting's value as the file holds it.
 template <typename Record> QString settingText(const Record& record, const Setting<Record>& setting) {

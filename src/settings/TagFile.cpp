@@ -1,5 +1,7 @@
 #include "settings/TagFile.h"
 
+#include "base/TagValue.h"
+
 #include <QFile>
 #include <QSaveFile>
 
@@ -183,14 +185,6 @@ bool writeTagFile(const QString& path, const std::vector<std::pair<QString, QStr
 
 namespace mCodeBaseStd {
 QString fParseXMLTypeFile(const QString& text, const QString& key) {
-    // 1-based positions, 0 for no match; the close tag is searched from the start on its own.
-    const qsizetype p = text.indexOf(u'<' + key + u'>', 0, Qt::CaseInsensitive) + 1;
-    const qsizetype q = text.indexOf(QStringLiteral("</") + key + u'>', 0, Qt::CaseInsensitive) + 1;
-    const qsizetype start = p + key.size() + 2;
-    const qsizetype count = q - start;
-    if (count < 0) {
-        return {};
-    }
-    return text.mid(start - 1, count);
+    return tagValue(text, key);
 }
 } // namespace mCodeBaseStd

@@ -5,7 +5,7 @@
 #include <QFileInfo>
 #include <QNetworkProxy>
 #include <QSignalBlocker>
-#include <QTcpSocket>
+#include <QSslSocket>
 #include <QTimer>
 
 namespace {
@@ -15,14 +15,15 @@ constexpr qint64 kSocketReadBufferBytes = 4 * HTTPSocket::kMaxHeaderBlockBytes;
 
 HTTPSocket::HTTPSocket(QObject* parent)
     : QObject(parent)
-    , m_socket(new QTcpSocket(this))
+    , m_socket(new QSslSocket(this))
     , m_silence(new QTimer(this)) {
     // The one proxy is HTTPProxyAddress: the system's settings never reroute a request.
     m_socket->setProxy(QNetworkProxy::NoProxy);
     m_socket->setReadBufferSize(kSocketReadBufferBytes);
     m_silence->setSingleShot(true);
     connect(m_silence, &QTimer::timeout, this, [this] { failExchange(-1); });
-    connect(m_socket, &QTcpSocket::connected, this, &HTTPSocket::Event_Connected);
+    connect(m_socket, &QTcpSocket::connected, this, &HTTPSocket::onTcpConnected);
+    connect(m_socket, &QSslSocket::encrypted, this, &HTTPSocket::Event_Connected);
     connect(m_socket, &QTcpSocket::readyRead, this, &HTTPSocket::Event_DataAvailable);
     connect(m_socket, &QTcpSocket::errorOccurred, this, &HTTPSocket::onSocketError);
     connect(m_socket, &QTcpSocket::disconnected, this, &HTTPSocket::onSocketDisconnected);
@@ -42,21 +43,26 @@ std::optional<InternetHeaders> HTTPSocket::PageHeaders() const {
 }
 
 void HTTPSocket::SendRequest(const QByteArray& method, const QString& url) {
-    startExchange(method, url, std::nullopt, false, 0);
+    startExchange(method, url, std::nullopt, false, {});
 }
 
 void HTTPSocket::SendRequest(const QByteArray& method, const QString& url, const QString& file) {
-    startExchange(method, url, file, false, 0);
+    startExchange(method, url, file, false, {});
 }
 
-void HTTPSocket::GetInBackground(const QString& url, int timeoutSec) {
-    startExchange("GET", url, std::nullopt, false, timeoutSec);
+void HTTPSocket::GetInBackground(const QString& url, std::chrono::milliseconds timeout) {
+    startExchange("GET", url, std::nullopt, false, timeout);
+}
+
+void HTTPSocket::GetInBackground(const QString& url, const QString& file, std::chrono::milliseconds timeout) {
+    startExchange("GET", url, file, false, timeout);
 }
 
 void HTTPSocket::startExchange(const QByteArray& method, const QString& url,
-                               const std::optional<QString>& file, bool blocking, int timeoutSec) {
+                               const std::optional<QString>& file, bool blocking,
+                               std::chrono::milliseconds timeout) {
     synchronous = blocking;
-    timeoutSeconds = timeoutSec;
+    m_timeout = timeout;
     m_silence->stop();
     _DoConnect(url, method, file);
     if (m_busy) {
@@ -95,6 +101,7 @@ void HTTPSocket::_DoConnect(const QString& url, const QByteArray& action, std::o
     _path = parsed.path;
     m_address = parsed.address;
     m_port = parsed.port;
+    m_tls = parsed.tls;
     _processingURL = url;
     if (!HTTPProxyAddress.isEmpty()) {
         m_address = HTTPProxyAddress.toUtf8();
@@ -111,7 +118,19 @@ void HTTPSocket::_DoConnect(const QString& url, const QByteArray& action, std::o
     _httpAction = action;
     dropConnection();
     m_busy = true;
-    m_socket->connectToHost(QString::fromUtf8(m_address), static_cast<quint16>(m_port));
+    // Certificates that fail the check end the handshake with a socket error: nothing is sent.
+    if (m_tls) {
+        m_socket->connectToHostEncrypted(QString::fromUtf8(m_address), static_cast<quint16>(m_port));
+    } else {
+        m_socket->connectToHost(QString::fromUtf8(m_address), static_cast<quint16>(m_port));
+    }
+}
+
+// Over TLS the connection stands once the handshake has been passed.
+void HTTPSocket::onTcpConnected() {
+    if (!m_tls) {
+        Event_Connected();
+    }
 }
 
 bool HTTPSocket::_SetDownloadFile(const std::optional<QString>& file) {

@@ -8,13 +8,14 @@
 #include <QObject>
 #include <QString>
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <utility>
 #include <vector>
 
 class QEventLoop;
-class QTcpSocket;
+class QSslSocket;
 class QTimer;
 
 // The owner's answer to an authentication challenge: fill in the name and password and set
@@ -26,8 +27,10 @@ struct AuthenticationAnswer {
 };
 
 // An HTTP/1.0 client: one request and one response over one connection, the body ending with the
-// connection. Each request comes in a form that reports through signals and a blocking form that
-// waits until the server has been silent for a timeout. A body goes to memory or to a file.
+// connection (a download: at its announced length at the latest). Each request comes in a form that
+// reports through signals and a blocking form that waits until the server has been silent for a
+// timeout. A body goes to memory or to a file. An https URL is spoken over TLS, with the system's
+// certificates and the host name checked; a failed check is a socket error.
 //
 // The blocking forms are for threads other than the GUI thread, on the thread that made the
 // socket: they wait on a private event loop of their own, so that a name lookup or a connection
@@ -35,15 +38,17 @@ struct AuthenticationAnswer {
 //
 // Error codes: 0 none, -1 silence beyond the timeout, 1 an unusable download file, -2 a request
 // refused before anything was sent (a line break in the URL or a header, a blank or control byte in
-// the URL's host or path, a port outside 1..65535, a blocking form on the GUI thread) or a header
-// block or a page in memory beyond the limits below; otherwise a socket error, 100 + the value of
-// QAbstractSocket::SocketError. Each of these ends the exchange.
+// the URL's host or path, a port outside 1..65535, a blocking form on the GUI thread, an https URL
+// through a proxy) or a header block, a page in memory or an unannounced download beyond the limits
+// below; otherwise a socket error, 100 + the value of QAbstractSocket::SocketError (113: a
+// certificate that failed the check). Each of these ends the exchange.
 class HTTPSocket : public QObject {
     Q_OBJECT
 
 public:
     static constexpr qsizetype kMaxHeaderBlockBytes = 64 * 1024;
     static constexpr qsizetype kMaxPageBytes = 32 * 1024 * 1024;
+    static constexpr qint64 kMaxUnannouncedDownloadBytes = qint64{4} << 30;
     static constexpr int kSocketErrorBase = 100;
     static constexpr int kRefused = -2;
 
@@ -78,9 +83,10 @@ public:
         return SendRequest("GET", url, file, timeoutSec);
     }
     QByteArray Get(const QString& url, int timeoutSec) { return SendRequest("GET", url, timeoutSec); }
-    // Like Get(url), and ends with Error(-1) once the server has been silent for the timeout, as
-    // the blocking forms measure it.
-    void GetInBackground(const QString& url, int timeoutSec);
+    // Like Get(url) and Get(url, file), and end with Error(-1) once the server has been silent for
+    // the timeout. Unlike the blocking forms, a download's data count as news here.
+    void GetInBackground(const QString& url, std::chrono::milliseconds timeout);
+    void GetInBackground(const QString& url, const QString& file, std::chrono::milliseconds timeout);
     void GetHeaders(const QString& url) { SendRequest("HEAD", url); }
     std::optional<InternetHeaders> GetHeaders(const QString& url, int timeoutSec);
     void Post(const QString& url) { SendRequest("POST", url); }
@@ -116,6 +122,7 @@ signals:
 
 private:
     void Event_Connected();
+    void onTcpConnected();
     void Event_DataAvailable() { _HandleNewData(); }
     void Event_Error();
     void onSocketError();
@@ -124,7 +131,7 @@ private:
     void SetError(int code);
     void failExchange(int code);
     void startExchange(const QByteArray& method, const QString& url, const std::optional<QString>& file,
-                       bool blocking, int timeoutSec);
+                       bool blocking, std::chrono::milliseconds timeout);
     void sendAndWait(const QByteArray& method, const QString& url, const std::optional<QString>& file,
                      int timeoutSec);
     bool mayBlockHere() const;
@@ -140,17 +147,20 @@ private:
     void _InitializeRequestHeaders();
     void _KillDownloadStream();
     void _ParseHeaders(const QByteArray& block);
-    void _ProcessData(const QByteArray& data);
+    void _ProcessData(const QByteArray& received);
+    bool storeBody(const QByteArray& data);
+    void endDownloadAtLimit(bool moreCame);
     void _ProcessPage();
     void _ResetVariables();
     void _SendRequest(const QByteArray& action);
     bool _SetDownloadFile(const std::optional<QString>& file);
     bool _SetAuthentication(const QByteArray& prefix);
 
-    QTcpSocket* m_socket; // child
+    QSslSocket* m_socket; // child; plain TCP unless the URL says https
     QTimer* m_silence;    // child; runs while a timeout is being measured
     QEventLoop* m_waitLoop = nullptr;
     bool m_busy = false;
+    bool m_tls = false;
     QByteArray m_address;
     int m_port = 0;
     // Counts exchanges, so that code running after a signal sees when its handler began a new one.
@@ -159,7 +169,7 @@ private:
     int mErrorCode = 0;
     bool synchronous = false;
     bool threadProtection = false;
-    int timeoutSeconds = 0;
+    std::chrono::milliseconds m_timeout{0}; // of silence; zero: none
     QByteArray _authenticationKey;
     bool _connectionValid = false;
     qint64 _currentLength = 0;
@@ -176,6 +186,7 @@ private:
     QString _processingURL;
     QByteArray _server;
     qint64 _totalLength = 0;
+    std::optional<qint64> m_announcedLength; // a valid Content-length
     QByteArray _proxyAuthenticationKey;
     QByteArray _lastServerNonce;
     NonceCounts _Nonces;

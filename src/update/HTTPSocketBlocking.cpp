@@ -38,7 +38,7 @@ void HTTPSocket::sendAndWait(const QByteArray& method, const QString& url, const
     // Made first: on a thread without an event loop this also makes the event dispatcher that the
     // socket and the timer need.
     QEventLoop loop;
-    startExchange(method, url, file, true, timeoutSec);
+    startExchange(method, url, file, true, std::chrono::seconds(std::clamp(timeoutSec, 0, INT_MAX / 1000)));
     // An unusable download file is waited out like silence, as this client has always done; any
     // other failure to start ends the call at once.
     if (m_busy || mErrorCode == 1) {
@@ -61,10 +61,10 @@ void HTTPSocket::WaitForPage(QEventLoop& loop) {
     m_waitLoop = outer;
 }
 
-// The timeout measures silence: a change of connection or new page data starts it afresh.
+// The timeout measures silence: a change of connection or new data starts it afresh.
 void HTTPSocket::armSilence() {
-    if (timeoutSeconds > 0) {
-        m_silence->start(std::chrono::seconds(std::min(timeoutSeconds, INT_MAX / 1000)));
+    if (m_timeout > std::chrono::milliseconds::zero()) {
+        m_silence->start(m_timeout);
     }
 }
 

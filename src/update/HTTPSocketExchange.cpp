@@ -5,7 +5,7 @@
 #include "update/HeaderBlock.h"
 
 #include <QEventLoop>
-#include <QTcpSocket>
+#include <QSslSocket>
 #include <QTimer>
 
 namespace {
@@ -38,6 +38,7 @@ void HTTPSocket::_ResetVariables() {
     _totalLength = 0;
     _currentLength = 0;
     _pageComplete = false;
+    m_announcedLength.reset();
 }
 
 void HTTPSocket::Event_Connected() {
@@ -107,22 +108,18 @@ void HTTPSocket::_ParseHeaders(const QByteArray& block) {
     if (_pageHeaders->NameCount("Content-length") > 0) {
         _totalLength = leadingInt32(_pageHeaders->Value("Content-length"));
     }
+    m_announcedLength = contentLengthOf(_pageHeaders->Value("Content-length"));
 }
 
-void HTTPSocket::_ProcessData(const QByteArray& data) {
+// A download takes no more than its announced length, or the cap where none was announced.
+void HTTPSocket::_ProcessData(const QByteArray& received) {
     if (sameText(_httpAction, "HEAD")) {
         return;
     }
+    const qint64 limit = m_announcedLength.value_or(kMaxUnannouncedDownloadBytes);
+    const QByteArray data = _downloadStream ? received.left(limit - _currentLength) : received;
     _currentLength += data.size();
-    if (!_downloadStream) {
-        if (_pageBuffer.size() + data.size() > kMaxPageBytes) {
-            failExchange(-2);
-            return;
-        }
-        _pageBuffer += data;
-        restartSilence();
-    } else if (_downloadStream->write(data) != data.size()) {
-        failExchange(1);
+    if (!storeBody(data)) {
         return;
     }
     const quint64 exchange = m_exchange;
@@ -132,8 +129,42 @@ void HTTPSocket::_ProcessData(const QByteArray& data) {
     if (exchange != m_exchange) {
         return;
     }
-    if ((_httpStatusCode == 401 || _httpStatusCode == 407) && !IsConnected()) {
+    if (_downloadStream && _currentLength == limit) {
+        endDownloadAtLimit(data.size() < received.size());
+    } else if ((_httpStatusCode == 401 || _httpStatusCode == 407) && !IsConnected()) {
         _ProcessPage();
+    }
+}
+
+bool HTTPSocket::storeBody(const QByteArray& data) {
+    if (_downloadStream) {
+        if (_downloadStream->write(data) != data.size()) {
+            failExchange(1);
+            return false;
+        }
+        // A blocking download has its timeout from the start in all.
+        if (!synchronous) {
+            restartSilence();
+        }
+        return true;
+    }
+    if (_pageBuffer.size() + data.size() > kMaxPageBytes) {
+        failExchange(kRefused);
+        return false;
+    }
+    _pageBuffer += data;
+    restartSilence();
+    return true;
+}
+
+// The announced length is the whole file, whatever else the server sends; an unannounced body
+// beyond the cap is refused.
+void HTTPSocket::endDownloadAtLimit(bool moreCame) {
+    if (m_announcedLength) {
+        dropConnection();
+        _ProcessPage();
+    } else if (moreCame) {
+        failExchange(kRefused);
     }
 }
 

@@ -4,7 +4,7 @@
 
 #include "update/HttpUrl.h"
 
-#include <QTcpSocket>
+#include <QSslSocket>
 
 QByteArray HTTPSocket::EncodeFormData(const FormData& form) {
     QByteArray encoded;
@@ -43,7 +43,7 @@ void HTTPSocket::_InitializeRequestHeaders() {
 
 bool HTTPSocket::isSendable() const {
     if (!isSendableUrl(_processingURL.toUtf8(), {_server, _path, m_address, m_port}) ||
-        !isPortNumber(m_port)) {
+        !isPortNumber(m_port) || (m_tls && !HTTPProxyAddress.isEmpty())) {
         return false;
     }
     for (int index = 0; index < requestHeaders.Count(); ++index) {

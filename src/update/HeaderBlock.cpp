@@ -2,6 +2,7 @@
 
 #include "update/InternetHeaders.h"
 
+#include <algorithm>
 #include <limits>
 
 std::optional<HeaderBlockEnd> findHeaderBlockEnd(QByteArrayView buffer) {
@@ -45,4 +46,14 @@ std::int32_t leadingInt32(QByteArrayView text) {
     }
     const std::int64_t value = negative ? -magnitude : std::min(magnitude, limit - 1);
     return static_cast<std::int32_t>(value);
+}
+
+std::optional<qint64> contentLengthOf(QByteArrayView value) {
+    const QByteArray digits = value.toByteArray().trimmed();
+    // Eighteen digits stay below the 64-bit limit.
+    if (digits.isEmpty() || digits.size() > 18 ||
+        !std::ranges::all_of(digits, [](char c) { return c >= '0' && c <= '9'; })) {
+        return std::nullopt;
+    }
+    return digits.toLongLong();
 }

@@ -22,3 +22,6 @@ int statusCodeOf(QByteArrayView block);
 // The number at the start of a text, behind any blanks, truncated to an integer; 0 when there is
 // none. Values beyond the 32-bit range read as its nearest end.
 std::int32_t leadingInt32(QByteArrayView text);
+
+// A Content-length value that a download can trust: digits alone, blanks around them allowed.
+std::optional<qint64> contentLengthOf(QByteArrayView value);

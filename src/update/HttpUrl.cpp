@@ -10,12 +10,13 @@ HttpUrl parseHttpUrl(QByteArrayView url, int defaultPort) {
     const qsizetype slash = rest.indexOf('/');
 
     HttpUrl parsed;
+    parsed.tls = scheme >= 0 && url.first(scheme).compare("https", Qt::CaseInsensitive) == 0;
     parsed.server = (slash < 0 ? rest : rest.first(slash)).toByteArray();
     parsed.path = slash < 0 ? QByteArray("/") : rest.sliced(slash).toByteArray();
     const qsizetype colon = parsed.server.indexOf(':');
     parsed.address = colon < 0 ? parsed.server : parsed.server.left(colon);
     const int port = colon < 0 ? 0 : leadingInt32(QByteArrayView(parsed.server).sliced(colon + 1));
-    parsed.port = port == 0 ? defaultPort : port;
+    parsed.port = port != 0 ? port : parsed.tls ? kHttpsPort : defaultPort;
     return parsed;
 }
 

@@ -3,13 +3,17 @@
 #include <QByteArray>
 #include <QByteArrayView>
 
-// A URL as the HTTP client reads it. The scheme is dropped, whatever it says: only plain TCP is
-// spoken. Nothing is unescaped or checked.
+constexpr int kHttpsPort = 443;
+
+// A URL as the HTTP client reads it. "https" (in any letter case) asks for TLS, with port 443
+// where the URL names none; any other scheme, or none, means plain TCP. Nothing is unescaped or
+// checked.
 struct HttpUrl {
     QByteArray server;  // host with its port as written: the value of Host
     QByteArray path;    // what follows the host, query included; "/" when empty
     QByteArray address; // host to connect to
     int port = 0;       // the URL's port, or the default
+    bool tls = false;
 };
 
 HttpUrl parseHttpUrl(QByteArrayView url, int defaultPort);

@@ -3,6 +3,7 @@
 #include "base/UnhandledException.h"
 
 #include <QFileDialog>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -12,6 +13,10 @@ void QtUpdateDialogs::ask(QWidget* parent, const UpdateQuestion& question,
         new QMessageBox(QMessageBox::Information, QString(), question.message, QMessageBox::NoButton, parent);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setInformativeText(question.explanation);
+    // Words from the server are shown as they stand: a tag in them is text, never markup or a link.
+    for (QLabel* label : box->findChildren<QLabel*>()) {
+        label->setTextFormat(Qt::PlainText);
+    }
     QPushButton* action = box->addButton(question.actionCaption, QMessageBox::AcceptRole);
     if (!question.cancelCaption.isEmpty()) {
         box->addButton(question.cancelCaption, QMessageBox::RejectRole);

@@ -1,19 +1,29 @@
 #include "update/cAutoUpdate.h"
 
+#include "base/TagValue.h"
 #include "base/UnhandledException.h"
 #include "base/mProgramInfo.h"
 #include "update/UpdateDialogs.h"
 #include "update/wAutoUpdate.h"
 
+#include <QFile>
 #include <QStandardPaths>
+#include <QTimer>
 
 namespace {
-// Under the program's own web address; KESTRELVIEW_UPDATE_HOST points the check elsewhere.
+// Under the program's own web address; KESTRELVIEW_UPDATE_HOST points the check elsewhere, over
+// plain HTTP unless it begins with a scheme.
 const QString kUpdateHost = QStringLiteral("updates.kestrelview.com");
 
 QString recordUrl(const QString& key) {
-    const QString chosen = qEnvironmentVariable("KESTRELVIEW_UPDATE_HOST");
-    return "http://" + (chosen.isEmpty() ? kUpdateHost : chosen) + "/autoupdate/" + key + ".html";
+    QString host = qEnvironmentVariable("KESTRELVIEW_UPDATE_HOST");
+    if (host.isEmpty()) {
+        host = kUpdateHost;
+    }
+    if (!host.contains(u"://")) {
+        host.prepend(u"http://");
+    }
+    return host + "/autoupdate/" + key + ".html";
 }
 
 // Whole strings, compared as every text of the program is: "1.10.0" sorts below "1.7.0".
@@ -26,9 +36,14 @@ UpdateQuestion closeOnly(const QString& key, const QString& news, const QString&
 }
 } // namespace
 
-cAutoUpdate::cAutoUpdate(QObject* owner)
+cAutoUpdate::cAutoUpdate(QObject* owner, const UpdateTimeouts& timeouts)
     : HTTPSocket(owner)
-    , m_recordSocket(new HTTPSocket(this)) {
+    , m_timeouts(timeouts)
+    , m_recordSocket(new HTTPSocket(this))
+    , m_recordDeadline(new QTimer(this)) {
+    m_recordDeadline->setSingleShot(true);
+    // A record that has not come whole by then is no record, whatever part of it came.
+    connect(m_recordDeadline, &QTimer::timeout, this, [this] { readRecord({}); });
     connect(this, &HTTPSocket::ReceiveProgress, this, &cAutoUpdate::Event_ReceiveProgress);
     connect(this, &HTTPSocket::Error, this, &cAutoUpdate::Event_Error);
     connect(this, &HTTPSocket::DownloadComplete, this, &cAutoUpdate::Event_DownloadComplete);
@@ -41,26 +56,25 @@ void cAutoUpdate::CheckVersion(QWidget* parent, const QString& key, bool interac
     m_key = key;
     m_interactive = interactive;
     m_checking = true;
-    m_recordSocket->GetInBackground(recordUrl(key), kRecordTimeoutSec);
+    m_recordDeadline->start(m_timeouts.recordDeadline);
+    m_recordSocket->GetInBackground(recordUrl(key), m_timeouts.recordSilence);
 }
 
 QString cAutoUpdate::ParseKey(const QString& key, const QString& source) {
-    const QString open = '<' + key + '>';
-    const qsizetype openAt = source.indexOf(open, 0, Qt::CaseInsensitive);
-    const qsizetype closeAt = source.indexOf("</" + key + '>', 0, Qt::CaseInsensitive);
-    // Measured as the tag reader of the settings files measures it: a missing open tag counts
-    // from the start of the text.
-    const qsizetype start = openAt + open.size();
-    const qsizetype count = closeAt - start;
-    return count <= 0 ? QString() : source.mid(start, count);
+    return tagValue(source, key);
 }
 
+// Neither the status nor the error is read: a page without the tag is simply no record.
 void cAutoUpdate::recordArrived() {
+    readRecord(QString::fromUtf8(m_recordSocket->PageContent()));
+}
+
+void cAutoUpdate::readRecord(const QString& page) {
     // The first end of the fetch is the one that counts; whatever the socket says later is not.
     m_recordSocket->disconnect(this);
-    runGuarded([this] {
-        // Neither the status nor the error is read: a page without the tag is simply no record.
-        const QString page = QString::fromUtf8(m_recordSocket->PageContent());
+    m_recordDeadline->stop();
+    m_recordSocket->Close();
+    runGuarded([&] {
         UpdateVersion = ParseKey("version", page);
         if (UpdateVersion.isEmpty()) {
             tell(closeOnly(m_key, "Currently Unavailable ...", "Please Try Again Later ..."));
@@ -89,6 +103,7 @@ void cAutoUpdate::offerDownload(const QString& page) {
     UpdateURL = ParseKey("url", page);
     UpdateName = ParseKey("name", page);
     UpdateDescription = ParseKey("description", page);
+    UpdateSha256 = ParseKey("sha256", page).trimmed();
     const UpdateQuestion offer{"Version Available:  " + UpdateVersion,
                                UpdateName + "\nVersion: " + UpdateVersion + "\n\n" + UpdateDescription,
                                "Download Now", "Cancel"};
@@ -130,7 +145,7 @@ void cAutoUpdate::Update(const QString& file) {
     window->Associate(this);
     m_heldByWindow = true;
     window->setTitle(UpdateName);
-    Get(UpdateURL, file);
+    GetInBackground(UpdateURL, file, m_timeouts.downloadSilence);
 }
 
 void cAutoUpdate::Release() {
@@ -138,7 +153,12 @@ void cAutoUpdate::Release() {
     goIfDone();
 }
 
-void cAutoUpdate::Event_ReceiveProgress(qint64 bytesReceived, qint64 totalBytes) {
+void cAutoUpdate::Event_ReceiveProgress(qint64 bytesReceived, qint64 totalBytes, const QByteArray& newData) {
+    // The file is hashed as it is written, so that its end costs nothing; a new exchange starts it afresh.
+    if (bytesReceived == newData.size()) {
+        m_downloadHash.reset();
+    }
+    m_downloadHash.addData(newData);
     runGuarded([&] { m_window.get()->showProgress(bytesReceived, totalBytes); });
 }
 
@@ -147,10 +167,24 @@ void cAutoUpdate::Event_Error(int code) {
     goIfDone();
 }
 
-// The status is not read: an error page that came whole counts as the download.
+// The status is not read: an error page that came whole counts as the download, unless the record
+// named the file's hash.
 void cAutoUpdate::Event_DownloadComplete() {
-    runGuarded([this] { m_window.get()->close(); });
+    runGuarded([this] {
+        if (downloadMatches()) {
+            m_window.get()->close();
+            return;
+        }
+        QFile::remove(*SaveItem);
+        m_window.get()->setTitle("Error: Checksum Mismatch, File Removed ...");
+    });
     goIfDone();
+}
+
+bool cAutoUpdate::downloadMatches() const {
+    return UpdateSha256.isEmpty() ||
+           UpdateSha256.compare(QString::fromLatin1(m_downloadHash.result().toHex()), Qt::CaseInsensitive) ==
+               0;
 }
 
 void cAutoUpdate::goIfDone() {

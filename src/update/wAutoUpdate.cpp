@@ -18,6 +18,8 @@ QLabel* makeText(QWidget* parent, const char* name, QRect frame, bool bold) {
     auto* label = new QLabel(parent);
     label->setObjectName(name);
     label->setGeometry(frame);
+    // The release's name comes from the server: its characters are shown, never markup.
+    label->setTextFormat(Qt::PlainText);
     QFont font = label->font();
     font.setBold(bold);
     label->setFont(font);

@@ -1,10 +1,13 @@
 #include "support/ScriptedServer.h"
 
+#include <QProcess>
+#include <QSslConfiguration>
 #include <QTcpServer>
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <openssl/ssl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -22,13 +25,23 @@ bool wholeRequest(const QByteArray& received) {
     return headEnd >= 0 && received.size() >= headEnd + 4 + body;
 }
 
-QByteArray readRequest(int fd) {
+QByteArray readRequest(ScriptedConnection& connection) {
     QByteArray received;
     char chunk[4096];
-    for (ssize_t n = 0; !wholeRequest(received) && (n = ::recv(fd, chunk, sizeof chunk, 0)) > 0;) {
+    for (qsizetype n = 0; !wholeRequest(received) && (n = connection.receive(chunk, sizeof chunk)) > 0;) {
         received.append(chunk, n);
     }
     return received;
+}
+
+SSL_CTX* tlsContext(const std::optional<TlsIdentity>& identity) {
+    SSL_CTX* context = identity ? SSL_CTX_new(TLS_server_method()) : nullptr;
+    if (context != nullptr &&
+        (SSL_CTX_use_certificate_chain_file(context, identity->certificateFile.toLocal8Bit()) != 1 ||
+         SSL_CTX_use_PrivateKey_file(context, identity->keyFile.toLocal8Bit(), SSL_FILETYPE_PEM) != 1)) {
+        throw std::runtime_error("scripted server: unusable certificate or key");
+    }
+    return context;
 }
 
 } // namespace
@@ -37,7 +50,8 @@ bool ScriptedConnection::send(QByteArrayView bytes, qsizetype pieceSize, std::ch
     while (!bytes.isEmpty()) {
         const auto size =
             static_cast<size_t>(pieceSize > 0 ? std::min(pieceSize, bytes.size()) : bytes.size());
-        const ssize_t n = ::send(m_fd, bytes.data(), size, MSG_NOSIGNAL);
+        const ssize_t n = m_tls != nullptr ? SSL_write(m_tls, bytes.data(), static_cast<int>(size))
+                                           : ::send(m_fd, bytes.data(), size, MSG_NOSIGNAL);
         if (n <= 0) {
             return false;
         }
@@ -49,12 +63,17 @@ bool ScriptedConnection::send(QByteArrayView bytes, qsizetype pieceSize, std::ch
 
 void ScriptedConnection::waitForClientClose() {
     char chunk[4096];
-    while (::recv(m_fd, chunk, sizeof chunk, 0) > 0) {
+    while (receive(chunk, sizeof chunk) > 0) {
     }
 }
 
-ScriptedServer::ScriptedServer(std::vector<Script> scripts)
+qsizetype ScriptedConnection::receive(char* buffer, qsizetype size) {
+    return m_tls != nullptr ? SSL_read(m_tls, buffer, static_cast<int>(size)) : ::recv(m_fd, buffer, size, 0);
+}
+
+ScriptedServer::ScriptedServer(std::vector<Script> scripts, const std::optional<TlsIdentity>& tls)
     : m_scripts(std::move(scripts))
+    , m_tls(tlsContext(tls), SSL_CTX_free)
     , m_listenFd(::socket(AF_INET, SOCK_STREAM, 0)) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -89,7 +108,8 @@ QString ScriptedServer::refusedUrl() {
 }
 
 QString ScriptedServer::url(const QString& path) const {
-    return QStringLiteral("http://127.0.0.1:%1%2").arg(m_port).arg(path);
+    const QString origin = m_tls ? QStringLiteral("https://localhost") : QStringLiteral("http://127.0.0.1");
+    return QStringLiteral("%1:%2%3").arg(origin).arg(m_port).arg(path);
 }
 
 std::vector<QByteArray> ScriptedServer::requests() const {
@@ -109,17 +129,52 @@ void ScriptedServer::run() {
         if (m_stopping) {
             ::shutdown(fd, SHUT_RDWR);
         }
-        const QByteArray request = readRequest(fd);
-        {
-            std::scoped_lock lock(m_mutex);
-            m_requests.push_back(request);
-        }
-        ScriptedConnection connection(fd);
-        m_scripts[std::min(index, m_scripts.size() - 1)](connection, request);
+        serve(fd, index);
         m_connectionFd = -1;
         ::close(fd);
         ++m_served;
     }
+}
+
+// A client that refuses the certificate ends the handshake, and its connection runs no script.
+void ScriptedServer::serve(int fd, std::size_t index) {
+    const std::unique_ptr<SSL, void (*)(SSL*)> tls(m_tls ? SSL_new(m_tls.get()) : nullptr, SSL_free);
+    if (tls && (SSL_set_fd(tls.get(), fd) != 1 || SSL_accept(tls.get()) != 1)) {
+        return;
+    }
+    ScriptedConnection connection(fd, tls.get());
+    const QByteArray request = readRequest(connection);
+    {
+        std::scoped_lock lock(m_mutex);
+        m_requests.push_back(request);
+    }
+    m_scripts[std::min(index, m_scripts.size() - 1)](connection, request);
+    if (tls) {
+        SSL_shutdown(tls.get());
+    }
+}
+
+TlsIdentity makeTestIdentity(const QString& folder, const QString& name, bool trusted) {
+    const QString script =
+        QStringLiteral("set -e; key='-newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes'\n"
+                       "openssl req -x509 -days 2 -subj /CN=%1 $key -keyout %1-ca.key -out %1-ca.pem\n"
+                       "openssl req -subj /CN=localhost $key -keyout %1.key -out %1.csr\n"
+                       "echo subjectAltName=DNS:localhost >%1.ext\n"
+                       "openssl x509 -req -days 2 -in %1.csr -CA %1-ca.pem -CAkey %1-ca.key -set_serial 2 "
+                       "-extfile %1.ext -out %1.pem")
+            .arg(name);
+    QProcess shell;
+    shell.setWorkingDirectory(folder);
+    shell.start("sh", {"-c", script});
+    if (!shell.waitForFinished(60000) || shell.exitCode() != 0) {
+        throw std::runtime_error("openssl: " + shell.readAllStandardError().toStdString());
+    }
+    if (trusted) {
+        QSslConfiguration config = QSslConfiguration::defaultConfiguration();
+        config.addCaCertificates(folder + '/' + name + "-ca.pem");
+        QSslConfiguration::setDefaultConfiguration(config);
+    }
+    return {folder + '/' + name + ".pem", folder + '/' + name + ".key"};
 }
 
 QByteArray httpResponse(const QByteArray& statusLine, const QByteArrayList& headers, const QByteArray& body,

@@ -6,23 +6,44 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
-// One accepted connection, handed to a script on the server's own thread.
+typedef struct ssl_st SSL;
+typedef struct ssl_ctx_st SSL_CTX;
+
+// One accepted connection, handed to a script on the server's own thread; over TLS when `tls` is
+// set.
 class ScriptedConnection {
 public:
-    explicit ScriptedConnection(int fd)
-        : m_fd(fd) {}
+    explicit ScriptedConnection(int fd, SSL* tls = nullptr)
+        : m_fd(fd)
+        , m_tls(tls) {}
     // False once the client has gone. Pieces of the size given go out alone, with a pause behind each.
     bool send(QByteArrayView bytes, qsizetype pieceSize = 0, std::chrono::milliseconds pause = {});
     // Blocks until the client closes the connection.
     void waitForClientClose();
+    // Like recv(2), through TLS where the connection has it.
+    qsizetype receive(char* buffer, qsizetype size);
 
 private:
     int m_fd;
+    SSL* m_tls;
 };
+
+// The certificate chain and key, as PEM files, of a server that speaks TLS.
+struct TlsIdentity {
+    QString certificateFile;
+    QString keyFile;
+};
+
+// Makes in `folder`, with the openssl command line, a certificate authority of that name and a
+// certificate for "localhost" that it signs. A trusted authority is trusted by every TLS socket
+// the process makes from then on.
+TlsIdentity makeTestIdentity(const QString& folder, const QString& name, bool trusted);
 
 // A TCP server on 127.0.0.1 that does what it is told, down to replies no ordinary server gives.
 // Connection n runs script n, and those beyond the list the last one, once its request (the
@@ -31,7 +52,9 @@ class ScriptedServer {
 public:
     using Script = std::function<void(ScriptedConnection&, const QByteArray& request)>;
 
-    explicit ScriptedServer(std::vector<Script> scripts);
+    // With an identity the server speaks TLS, and its URLs are https://localhost:port.
+    explicit ScriptedServer(std::vector<Script> scripts,
+                            const std::optional<TlsIdentity>& tls = std::nullopt);
     ~ScriptedServer();
 
     // Sends these bytes and closes.
@@ -46,8 +69,10 @@ public:
 
 private:
     void run();
+    void serve(int fd, std::size_t index);
 
     std::vector<Script> m_scripts;
+    std::unique_ptr<SSL_CTX, void (*)(SSL_CTX*)> m_tls;
     int m_listenFd;
     int m_port = 0;
     std::atomic<int> m_connectionFd{-1};

@@ -176,13 +176,14 @@ TEST(HttpAuthentication, ChallengesAreAnsweredOnceEachUntilTheOwnerDeclines) {
     EXPECT_EQ(server.requests().size(), 6u);
 }
 
-TEST(HttpLimits, HeaderBlockAndPageInMemoryEndAtTheirLimitsAndADownloadFileAtNone) {
+TEST(HttpLimits, HeaderBlockAndPageInMemoryEndAtTheirLimitsAndADownloadAtItsLength) {
     const qsizetype limit = HTTPSocket::kMaxPageBytes;
     ScriptedServer server(
         {endless("HTTP/1.0 200 OK\r\n", QByteArray("X-Filler: aaaaaaaa\r\n").repeated(1000)),
          ok("HTTP/1.0 200 OK", {}, QByteArray(limit, 'p')),
          endless("HTTP/1.0 200 OK\r\n\r\n", QByteArray(1 << 20, 'e')),
          ok("HTTP/1.0 200 OK", {}, QByteArray(limit + 1, 'f'))});
+    ScriptedServer more({endless("HTTP/1.0 200 OK\r\nContent-Length: 5\r\n\r\n", "more")});
     HTTPSocket socket;
     EXPECT_EQ(socket.Get(server.url(), 10), "");
     EXPECT_EQ(socket.ErrorCode(), -2);
@@ -199,6 +200,9 @@ TEST(HttpLimits, HeaderBlockAndPageInMemoryEndAtTheirLimitsAndADownloadFileAtNon
     ASSERT_TRUE(writeFile(dir.filePath("f"), QByteArray(limit + 2, 'o')));
     EXPECT_TRUE(socket.Get(server.url(), dir.filePath("f"), 10));
     EXPECT_TRUE(readFile(dir.filePath("f")) == QByteArray(limit + 1, 'f'));
+    // and ends at its announced length, though the server sends on and keeps the connection.
+    EXPECT_TRUE(socket.Get(more.url(), dir.filePath("f"), 10));
+    EXPECT_EQ(readFile(dir.filePath("f")), "morem");
 }
 
 TEST(HttpDownloadFile, UnusableTargetsAndAFullDiskEndWithErrorOne) {
@@ -236,6 +240,10 @@ TEST(HttpRefusal, LineBreaksBlanksAndBadPortsNeverReachTheNetwork) {
     }
     expectRefused(at + "/", "X-A", "b\r\nX-Injected: 1");
     expectRefused(at + "/", "X-A\nX-B", "c");
+    HTTPSocket proxied; // a proxy would see what TLS hides
+    proxied.HTTPProxyAddress = "127.0.0.1";
+    EXPECT_EQ(proxied.Get(QString(at).replace("http:", "https:"), 5), "");
+    EXPECT_EQ(proxied.ErrorCode(), HTTPSocket::kRefused);
     // The blocking forms wait only off the GUI thread.
     QMetaObject::invokeMethod(
         QCoreApplication::instance(), [&] { expectRefused(at + "/"); }, Qt::BlockingQueuedConnection);

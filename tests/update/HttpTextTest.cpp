@@ -28,12 +28,14 @@ QByteArray entries(const InternetHeaders& headers) {
 }
 
 TEST(HttpText, UrlsHeaderBlocksStatusesAndNumbers) {
-    expectPairs({"http://host", "host|/|host|81", "https://host/", "host|/|host|81", "host:8080/x",
-                 "host:8080|/x|host|8080", "http://h/a b?q=%zz", "h|/a b?q=%zz|h|81", "http://h:abc/",
-                 "h:abc|/|h|81", "h:99999999999/", "h:99999999999|/|h|2147483647", "", "|/||81"},
+    expectPairs({"http://host", "host|/|host|81", "https://host/", "host|/|host|443|tls", "HTTPS://h:8443",
+                 "h:8443|/|h|8443|tls", "httpsx://h/", "h|/|h|81", "host:8080/x", "host:8080|/x|host|8080",
+                 "http://h/a b?q=%zz", "h|/a b?q=%zz|h|81", "http://h:abc/", "h:abc|/|h|81", "h:99999999999/",
+                 "h:99999999999|/|h|2147483647", "", "|/||81"},
                 [](const QByteArray& text) {
                     const HttpUrl url = parseHttpUrl(text, 81);
-                    return url.server + '|' + url.path + '|' + url.address + '|' + number(url.port);
+                    return url.server + '|' + url.path + '|' + url.address + '|' + number(url.port) +
+                           (url.tls ? "|tls" : "");
                 });
     // CR LF anywhere makes it the line end, yet an earlier LF LF still ends the block.
     expectPairs({"HTTP/1.0 200 OK\r\nA: 1\r\n\r\nbody\r\n\r\n", "21/2", "HTTP/1.0 200 OK\nA: 1\n\nbody",
@@ -49,6 +51,10 @@ TEST(HttpText, UrlsHeaderBlocksStatusesAndNumbers) {
     expectPairs({" \t1234abc", "1234", "-17", "-17", "+12.9", "12", "x1", "0", "", "0",
                  "99999999999999999999999", "2147483647", "-99999999999999999999999", "-2147483648"},
                 [](const QByteArray& text) { return number(leadingInt32(text)); });
+    expectPairs({" 4294967296 ", "4294967296", "12abc", "none", "", "none"}, [](const QByteArray& text) {
+        const auto length = contentLengthOf(text);
+        return length ? number(*length) : "none";
+    });
     EXPECT_EQ(encodeUrlString("a-b_c~d e%f+g/&=\r\nkeep.these:?\"'\xC3\xA9"),
               "a%2Db%5Fc%7Ed+e%25f%2Bg%2F%26%3D%0D%0Akeep.these:?\"'\xC3\xA9");
 }

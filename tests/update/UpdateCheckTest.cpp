@@ -1,9 +1,12 @@
+#include "support/Files.h"
 #include "support/ScriptedServer.h"
+#include "update/QtUpdateDialogs.h"
 #include "update/UpdateDialogs.h"
 #include "update/cAutoUpdate.h"
 #include "update/wAutoUpdate.h"
 
 #include <QApplication>
+#include <QCryptographicHash>
 #include <QFileInfo>
 #include <QLabel>
 #include <QPushButton>
@@ -14,6 +17,8 @@
 #include <gtest/gtest.h>
 
 #include <future>
+
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -46,12 +51,16 @@ QByteArray page(const QByteArray& body, const QByteArrayList& headers = {}) {
     return httpResponse("HTTP/1.0 200 OK", headers, body);
 }
 
+// A plain server by its address alone, a TLS one by its https origin.
 void pointChecksAt(const ScriptedServer& server) {
-    qputenv("KESTRELVIEW_UPDATE_HOST", "127.0.0.1:" + QByteArray::number(server.port()));
+    const QString origin = server.url("");
+    qputenv("KESTRELVIEW_UPDATE_HOST", (origin.startsWith("https:") ? origin : origin.mid(7)).toUtf8());
 }
 
-QString labelOf(const QObject* window, const char* label) {
-    return window->findChild<QLabel*>(label)->text();
+// The label's text, marked where the label would read it as markup.
+QString labelOf(const QObject* window, const char* name) {
+    const auto* label = window->findChild<QLabel*>(name);
+    return (label->textFormat() == Qt::PlainText ? "" : "(markup) ") + label->text();
 }
 
 // The download window on the screen, or nullptr.
@@ -88,7 +97,7 @@ class UpdateCheck : public testing::Test {
 protected:
     // Runs one check to its end; false when it never ended, or ended before the answer.
     bool check(const QString& key, bool interactive) {
-        auto* updater = new cAutoUpdate(&m_parent);
+        auto* updater = new cAutoUpdate(&m_parent, m_timeouts);
         QSignalSpy ended(updater, &cAutoUpdate::CheckEnded);
         m_dialogs.ended = &ended;
         updater->CheckVersion(&m_parent, key, interactive);
@@ -98,15 +107,29 @@ protected:
     }
 
     // Accepts the offer of a record that points at `url`, to be saved as `file`.
-    bool startDownload(const QString& url, const QString& file) {
-        ScriptedServer record({ScriptedServer::reply(
-            page("<version>9</version><name>Nine</name><url>" + url.toUtf8() + "</url>"))});
+    bool startDownload(const QString& url, const QString& file, const QByteArray& moreTags = {},
+                       const std::optional<TlsIdentity>& tls = {}) {
+        ScriptedServer record(
+            {ScriptedServer::reply(page("<version>9</version><name><b>Nine</b></name><url>" + url.toUtf8() +
+                                        "</url>" + moreTags))},
+            tls);
         pointChecksAt(record);
         m_dialogs.download = true;
         m_dialogs.file = file;
         return check("kestrelview_linux", false);
     }
 
+    // The download window's texts as it closed, by itself or, after an error, by Cancel.
+    QStringList finishDownload() {
+        if (QTest::qWaitFor([&] { return !m_closed.texts.isEmpty() || shown("stTitle").startsWith("Error"); },
+                            20000) &&
+            m_closed.texts.isEmpty()) {
+            QTest::mouseClick(shownWindow()->findChild<QPushButton*>("btnCancel"), Qt::LeftButton);
+        }
+        return std::exchange(m_closed.texts, {});
+    }
+
+    UpdateTimeouts m_timeouts{5s, 30s, 2s};
     QWidget m_parent;
     ScriptedDialogs m_dialogs;
     QTemporaryDir m_dir;
@@ -153,30 +176,31 @@ TEST_F(UpdateCheck, RecordsAnsweredAtStartAndFromTheMenu) {
     }
 }
 
-TEST_F(UpdateCheck, DownloadsCloseOnTheirLastFiguresAndErrorsWaitForCancel) {
+TEST_F(UpdateCheck, DownloadsCloseOnTheirLastFiguresAndErrorsAndSilenceWaitForCancel) {
     ScriptedServer server({ScriptedServer::reply(page(QByteArray(1048576, 'm'), {"Content-Length: 1048576"})),
                            ScriptedServer::reply(page(QByteArray(1000000, 'k'), {"Content-Length: 1000000"})),
                            ScriptedServer::reply(page(QByteArray(2621440, 'u'))),
                            ScriptedServer::reply(page(QByteArray(1048576, 's'), {"Content-Length: 2097152"})),
-                           ScriptedServer::reply(httpResponse("HTTP/1.0 404 Not Found", {}, "not here"))});
+                           ScriptedServer::reply(httpResponse("HTTP/1.0 404 Not Found", {}, "not here")),
+                           ScriptedServer::reply(page(QByteArray(1500, 'l'), {"Content-Length: 1000"})),
+                           [](ScriptedConnection& connection, const QByteArray&) {
+                               connection.send("HTTP/1.0 200 OK\r\n\r\n");
+                               connection.waitForClientClose();
+                           }});
     // where from, where to, the window as it closed, the file's size
     const std::tuple<QString, QString, QString, qint64> cases[] = {
-        {server.url("/a"), m_dir.filePath("a.zip"), "Nine|1MB of 1 MB", 1048576},
-        {server.url("/b"), m_dir.filePath("b.zip"), "Nine|0.95MB of 0.95 MB", 1000000},
-        {server.url("/c"), m_dir.filePath("c.zip"), "Nine|2.5MB of 0 MB", 2621440},
-        {server.url("/short"), m_dir.filePath("d.zip"), "Nine|1MB of 2 MB", 1048576},
-        {server.url("/404"), m_dir.filePath("e.zip"), "Nine|0MB of 0 MB", 8},
+        {server.url("/a"), m_dir.filePath("a.zip"), "<b>Nine</b>|1MB of 1 MB", 1048576},
+        {server.url("/b"), m_dir.filePath("b.zip"), "<b>Nine</b>|0.95MB of 0.95 MB", 1000000},
+        {server.url("/c"), m_dir.filePath("c.zip"), "<b>Nine</b>|2.5MB of 0 MB", 2621440},
+        {server.url("/short"), m_dir.filePath("d.zip"), "<b>Nine</b>|1MB of 2 MB", 1048576},
+        {server.url("/404"), m_dir.filePath("e.zip"), "<b>Nine</b>|0MB of 0 MB", 8},
+        {server.url("/long"), m_dir.filePath("l.zip"), "<b>Nine</b>|0MB of 0 MB", 1000},
+        {server.url("/silent"), m_dir.filePath("s.zip"), "Error: -1|0MB of 0 MB", 0},
         {ScriptedServer::refusedUrl(), m_dir.filePath("f.zip"), "Error: 100|", 0},
         {server.url(), m_dir.path(), "Error: 1|", QFileInfo(m_dir.path()).size()}};
     for (const auto& [url, file, closedWith, size] : cases) {
-        m_closed.texts.clear();
         ASSERT_TRUE(startDownload(url, file));
-        ASSERT_TRUE(QTest::qWaitFor(
-            [&] { return !m_closed.texts.isEmpty() || shown("stTitle").startsWith("Error"); }, 20000));
-        if (m_closed.texts.isEmpty()) {
-            QTest::mouseClick(shownWindow()->findChild<QPushButton*>("btnCancel"), Qt::LeftButton);
-        }
-        EXPECT_EQ(m_closed.texts, QStringList{closedWith});
+        EXPECT_EQ(finishDownload(), QStringList{closedWith});
         EXPECT_EQ(QFileInfo(file).size(), size);
     }
     EXPECT_EQ(m_dialogs.saves.first(), QStandardPaths::writableLocation(QStandardPaths::DesktopLocation) +
@@ -210,9 +234,64 @@ TEST_F(UpdateCheck, CancelKeepsWhatCameAndTheCloseBoxLetsTheDownloadGoOn) {
     more.set_value();
     ASSERT_TRUE(QTest::qWaitFor([&] { return m_closed.texts.size() == 3; }, 20000));
     // The window made afresh for the rest knows no name.
-    EXPECT_EQ(m_closed.texts, (QStringList{"Nine|0.5MB of 0 MB", "Nine|0.5MB of 0 MB", "|1MB of 0 MB"}));
+    EXPECT_EQ(m_closed.texts,
+              (QStringList{"<b>Nine</b>|0.5MB of 0 MB", "<b>Nine</b>|0.5MB of 0 MB", "|1MB of 0 MB"}));
     EXPECT_EQ(QFileInfo(cancelled).size(), half.size());
     EXPECT_EQ(QFileInfo(whole).size(), 2 * half.size());
+}
+
+// Someone on the path who trickles the record holds the check, and the first capture, no longer
+// than the deadline, and what came by then is no record.
+TEST_F(UpdateCheck, ATricklingRecordEndsAtTheDeadlineAsNone) {
+    ScriptedServer server({[](ScriptedConnection& connection, const QByteArray&) {
+        for (bool open = connection.send("HTTP/1.0 200 OK\r\n\r\n<version>9</version>", 1, 20ms); open;) {
+            open = connection.send(" ", 1, 200ms);
+        }
+    }});
+    pointChecksAt(server);
+    m_timeouts.recordDeadline = 2s;
+    ASSERT_TRUE(check("trickle", true));
+    EXPECT_EQ(m_dialogs.asked,
+              QStringList{"Version Download for TRICKLE\nCurrently Unavailable ...|Please Try "
+                          "Again Later ...|Close|"});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return server.servedAtLeast(1); })); // the fetch has been closed
+}
+
+// Over https the request goes out only once the certificate has passed, for the host the URL names.
+TEST_F(UpdateCheck, HttpsDownloadsNeedATrustedCertificateForTheHostAndTheirHash) {
+    const TlsIdentity trusted = makeTestIdentity(m_dir.path(), "trusted", true);
+    ScriptedServer files({ScriptedServer::reply(page("PK release"))}, trusted);
+    ScriptedServer stranger({ScriptedServer::reply(page("PK release"))},
+                            makeTestIdentity(m_dir.path(), "stranger", false));
+    const QByteArray hash =
+        QCryptographicHash::hash("PK release", QCryptographicHash::Sha256).toHex().toUpper();
+    // where from, the record's hash, the window as it closed
+    const std::tuple<QString, QByteArray, QString> cases[] = {
+        {files.url("/r.zip"), hash, "<b>Nine</b>|0MB of 0 MB"},
+        {files.url("/r.zip"), QByteArray(64, '0'), "Error: Checksum Mismatch, File Removed ...|0MB of 0 MB"},
+        {QStringLiteral("https://127.0.0.1:%1/r.zip").arg(files.port()), hash, "Error: 113|"},
+        {stranger.url("/r.zip"), hash, "Error: 113|"}};
+    for (const auto& [url, sha256, closedWith] : cases) {
+        const QString file = m_dir.filePath("r.zip");
+        ASSERT_TRUE(startDownload(url, file, "<sha256> " + sha256 + "</sha256>", trusted));
+        EXPECT_EQ(finishDownload(), QStringList{closedWith});
+        EXPECT_EQ(readFile(file), closedWith.startsWith('<') ? "PK release" : "") << url.toStdString();
+    }
+    EXPECT_EQ(files.requests().size() + stranger.requests().size(), 2u); // none to a failed certificate
+}
+
+// A record's words in the toolkit's own message box: tags and entities show as the characters they are.
+TEST(QtUpdateDialogsTest, ServerWordsAreShownAsTheyStand) {
+    QWidget parent;
+    const UpdateQuestion offer{"Version Available:  <b>9</b>", "<a href=\"x\">Nine</a>\n<img src=\"y\">&amp;",
+                               "Download Now", "Cancel"};
+    QtUpdateDialogs().ask(&parent, offer, [](bool) {});
+    QStringList plain;
+    for (const QLabel* label : parent.findChildren<QLabel*>()) {
+        plain.append(label->textFormat() == Qt::PlainText ? label->text() : QString());
+    }
+    EXPECT_TRUE(plain.contains(offer.message) && plain.contains(offer.explanation))
+        << plain.join('|').toStdString();
 }
 
 } // namespace
