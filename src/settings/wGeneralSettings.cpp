@@ -159,7 +159,7 @@ wGeneralSettings::wGeneralSettings(ScheduleSuspension& suspension)
     connect(m_btnSave, &QPushButton::clicked, this, &wGeneralSettings::btnSave_Action);
     connect(m_btnCancel, &QPushButton::clicked, this, &wGeneralSettings::btnCancel_Action);
     connect(m_btnChoose1, &QPushButton::clicked, this, &wGeneralSettings::btnChoose1_Action);
-    connect(btnMore, &QPushButton::clicked, this, [] { bringToFront(wMoreSettings::instance()); });
+    connect(btnMore, &QPushButton::clicked, this, [this] { bringToFront(moreWindow()); });
     connect(m_chkUseSpeech, &QCheckBox::clicked, this, &wGeneralSettings::chkUseSpeech_Action);
     connect(m_rb1, &QButtonGroup::idClicked, this, &wGeneralSettings::rb1_Action);
 }

@@ -4,6 +4,7 @@
 #include "base/ScheduleSuspension.h"
 #include "base/SingleWindow.h"
 #include "settings/mGeneralSettings.h"
+#include "settings/wMoreSettings.h"
 
 class QButtonGroup;
 class QCheckBox;
@@ -19,6 +20,8 @@ class wGeneralSettings final : public DialogWindow {
 public:
     // Holds `suspension` from its opening until Save or Cancel.
     explicit wGeneralSettings(ScheduleSuspension& suspension);
+    // The window of the further rules, which goes with this one; made if there is none.
+    wMoreSettings* moreWindow() { return m_more.get(); }
 
 signals:
     // Save was pressed: the countdown's visibility as chosen, told before the store is written.
@@ -63,4 +66,5 @@ private:
     QPushButton* m_btnSave;
     ScheduleSuspension& m_suspension;
     ScheduleSuspension::Token m_hold;
+    SingleWindow<wMoreSettings> m_more;
 };

@@ -68,10 +68,6 @@ QPushButton* makeButton(const char* name, const QString& text) {
 }
 } // namespace
 
-wMoreSettings* wMoreSettings::instance() {
-    return singleWindow<wMoreSettings>();
-}
-
 wMoreSettings::wMoreSettings()
     : DialogWindow("More Settings", QSize(kWidth, 1)) {
     auto* layout = new QVBoxLayout(this);

@@ -14,15 +14,12 @@ class QPushButton;
 class wMoreSettings final : public DialogWindow {
     Q_OBJECT
 
-public:
-    static wMoreSettings* instance();
-
 signals:
     // The store holds the rules saved.
     void saved();
 
 private:
-    friend wMoreSettings* singleWindow<wMoreSettings>();
+    friend class SingleWindow<wMoreSettings>;
     wMoreSettings();
     void Event_Open();
     void btnSave_Action();

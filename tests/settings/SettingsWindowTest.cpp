@@ -165,7 +165,7 @@ TEST_F(SettingsWindowTest, MoreSavesTheRulesOnlyWhenEachTextHasItsForm) {
         qputenv("XDG_SESSION_TYPE", wayland ? "wayland" : "x11");
         open();
         click("btnMore");
-        QPointer<wMoreSettings> more = wMoreSettings::instance();
+        QPointer<wMoreSettings> more = m_window->moreWindow();
         sessionSet ? qputenv("XDG_SESSION_TYPE", session) : qunsetenv("XDG_SESSION_TYPE");
         ASSERT_TRUE(QTest::qWaitForWindowActive(more));
         const auto field = [&](const char* key) { return more->findChild<QWidget*>(key); };
