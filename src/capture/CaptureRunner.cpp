@@ -58,7 +58,8 @@ struct CaptureRunner::Impl {
     std::list<RunThread> runs;
     bool toldOfStall = false; // GUI thread only
 
-    // Joins the threads whose run is over, so that a program running for days keeps no handles.
+    // Joins the threads whose run is over, so that a program running for days keeps no handles;
+    // gives the number still under way.
     int reapFinished() {
         std::list<RunThread> done;
         std::lock_guard lock(mutex);
