@@ -2,6 +2,7 @@
 #include "base/NilObjectException.h"
 #include "base/mCodeBaseGlv.h"
 #include "base/mProgramInfo.h"
+#include "capture/CameraFrameFile.h"
 #include "capture/CaptureRunner.h"
 #include "capture/ProductCameraServices.h"
 #include "capture/wOutputSmall.h"
@@ -92,6 +93,28 @@ TEST_F(CaptureRunTest, EachWantedScreenGetsAFileStampedAfterItsGrabUntilOneCanno
     run(into);
     EXPECT_FALSE(QFile::exists(m_dir.filePath("missing")));
     EXPECT_TRUE(m_presenter.messages().empty());
+}
+
+TEST_F(CaptureRunTest, WhenTheClockGoesBackNoPictureReplacesAnotherAndTheFolderMadeForThemIsPrivate) {
+    // The same wall-clock time an hour apart, on either side of the autumn change.
+    const QDateTime summer(QDate(2026, 10, 25), QTime(2, 30, 5), Qt::OffsetFromUTC, 7200);
+    const QDateTime winter = summer.addSecs(3600).toOffsetFromUtc(3600);
+    mProgramInfo::SetConstants(); // the camera's frames go where the settings say
+    mGeneralSettings::SavePrefs(mGeneralSettings::toTexts(mGeneralSettings::defaults()));
+    for (const QDateTime& at : {summer, winter, winter}) {
+        m_clock.set(at);
+        run(input("TRUE"));
+        saveCameraFrame(pictureOf(quadrantPattern({64, 48})), at);
+    }
+    const QString stamp = "2026-10-25-02-30-";
+    EXPECT_EQ(entriesIn(destination()),
+              (QStringList{stamp + "02-Camera.jpg", stamp + "02-Camera_2.jpg", stamp + "02-Camera_3.jpg",
+                           stamp + "05-0.jpg", stamp + "05-0_2.jpg", stamp + "05-0_3.jpg"}));
+    const auto mode = [&] { return QFile::permissions(destination()).toInt() & 0x0777; };
+    EXPECT_EQ(mode(), 0x0700);
+    ASSERT_TRUE(QFile::setPermissions(destination(), QFile::permissions(destination()) | QFile::ReadOther));
+    run(input("TRUE"));
+    EXPECT_EQ(mode(), 0x0704); // the user's own choice stays
 }
 
 // A display whose runs wait at their start while the test holds it, as a hung server keeps them.
