@@ -22,7 +22,7 @@ CaptureStamp captureStamp(const QDateTime& when);
 QString formatZeroPadded(int value, int digits);
 
 // "YYYY-MM-DD-HH-MM-SS-<tag>.jpg", where the tag is the screen number or "Camera"; the choices
-// after the first, for a name that is taken, are "...-<tag>_2.jpg", "...-<tag>_3.jpg" and so on.
-// The fixed widths make the order of the names the order of time, and "_" sorts after ".", so a
-// taken name comes before the names that follow it.
+// after the first, for a name that is taken, are "...-<tag>-2.jpg", "...-<tag>-3.jpg" and so on.
+// The fixed widths make the order of the names the order of time; the number after the tag
+// orders the pictures of one name.
 QString captureFileName(const CaptureStamp& stamp, const QString& tag, int choice = 1);
