@@ -107,7 +107,7 @@ void wMain::Event_Open() {
         setVisible(!hidden);
         m_timSnapShot.setEnabled(false);
         if (mGeneralSettings::current().pUseCamera) {
-            mCodeBaseStd::sSetupVideoForCamera();
+            startCameraSetUp();
         }
         if (mGeneralSettings::current().pUpdateAtStartup) {
             CheckForUpdates(false);

@@ -1,25 +1,23 @@
 #include "capture/CameraFrameFile.h"
 
-#include "capture/CaptureFileName.h"
-#include "platform/FolderItem.h"
-#include "platform/jpeg/JpegFile.h"
+#include "capture/CaptureFile.h"
 #include "settings/mGeneralSettings.h"
 
-#include <QDir>
+namespace {
+const QString kCameraTag = QStringLiteral("Camera");
 
-QString cameraFileName(const QDateTime& closedAt) {
+CaptureStamp frameStamp(const QDateTime& closedAt) {
     CaptureStamp stamp = captureStamp(closedAt);
     stamp.second -= 3;
-    return captureFileName(stamp, "Camera");
+    return stamp;
+}
+} // namespace
+
+QString cameraFileName(const QDateTime& closedAt) {
+    return captureFileName(frameStamp(closedAt), kCameraTag);
 }
 
 void saveCameraFrame(const Picture& frame, const QDateTime& closedAt) {
-    const QString name = cameraFileName(closedAt);
     const mGeneralSettings::Prefs prefs = mGeneralSettings::current();
-    const std::optional<QString> folder = GetFolderItem(prefs.pDestination, FolderPlace::Pictures);
-    if (!folder) {
-        return;
-    }
-    QDir().mkdir(*folder);
-    writeProgressiveJpeg(frame, prefs.pQuality, QDir(*folder).filePath(name));
+    writeCaptureFile(frame, prefs.pQuality, prefs.pDestination, frameStamp(closedAt), kCameraTag);
 }

@@ -10,6 +10,7 @@
 // the minute is left alone, and a negative field keeps its sign ("-02").
 QString cameraFileName(const QDateTime& closedAt);
 
-// Writes the frame into the destination folder as the settings stand now. A destination that
-// cannot be had, or a failed write, loses the frame without a word.
+// Writes the frame into the destination folder as the settings stand now, under the first free
+// choice of its name. A destination that cannot be had, or a failed write, loses the frame
+// without a word.
 void saveCameraFrame(const Picture& frame, const QDateTime& closedAt);

@@ -8,6 +8,10 @@
 
 class Clock;
 
+// A dialog's or a tool window's frame has only a close box of its own.
+inline constexpr Qt::WindowFlags kFrameWindowButtons =
+    Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint | Qt::WindowCloseButtonHint;
+
 // Shows one camera frame for three seconds and writes it, at full size, when it closes, however
 // that comes about: its timer, the user's close button, or the end of the program.
 class CameraFrameWindow : public QWidget {

@@ -2,10 +2,13 @@
 
 #include "base/Messages.h"
 #include "base/NilObjectException.h"
+#include "base/UnhandledException.h"
 #include "base/mCodeBaseGlv.h"
 #include "platform/camera/NullCameraGrabber.h"
 #include "settings/CamImgSize.h"
 #include "settings/mGeneralSettings.h"
+
+#include <mutex>
 
 namespace {
 CameraServices noCamera() {
@@ -29,6 +32,62 @@ void showNewestFrame(FrameWindowKind kind) {
     }
     services().showFrame(std::move(*frame), kind);
 }
+
+// One set-up at a time: a set-up under way is also the attempt of whoever asks meanwhile.
+std::mutex g_setUpMutex;
+std::atomic<CameraLinkOwner*> g_owner{nullptr};
+
+// Which grabber the readiness flag speaks for, so that the end of one already replaced lowers
+// nothing. Compared by address alone: taking a reference on a streaming thread could make it the
+// last one, and the grabber would then try to join the thread it runs on.
+std::mutex g_linkMutex;
+const CameraGrabber* g_linked = nullptr;
+bool g_linkEnded = false;
+
+void linkTo(const CameraGrabber* grabber) {
+    std::lock_guard lock(g_linkMutex);
+    g_linked = grabber;
+    g_linkEnded = false;
+    mCodeBaseGlv::pVideoGoodToGo = false;
+}
+
+void endLink(const CameraGrabber* grabber) {
+    std::lock_guard lock(g_linkMutex);
+    if (g_linked == grabber) {
+        g_linkEnded = true;
+        mCodeBaseGlv::pVideoGoodToGo = false;
+    }
+}
+
+// A camera that failed while it started has ended already, and is no more ready than one that
+// failed a step.
+void settleLink(const CameraGrabber* grabber, bool stepsSucceeded) {
+    std::lock_guard lock(g_linkMutex);
+    mCodeBaseGlv::pVideoGoodToGo = stepsSucceeded && g_linked == grabber && !g_linkEnded;
+}
+
+// No step returns early: a failed frame buffer still lets the camera start at its own size, and
+// the user hears of each failure once. False when a step failed in a way the user is told of.
+bool runSetUpSteps(CameraGrabber& grabber) {
+    bool succeeded = true;
+    const std::optional<QSize> size = camImgSize(mGeneralSettings::current().pCamImgSize);
+    if (size && !grabber.InitFrameBuffer(size->width(), size->height())) {
+        mCodeBaseStd::sDisplayWarningMessage("Failed to Create Frame Buffer ...");
+        succeeded = false;
+    }
+    grabber.InitGrabber();
+    grabber.InitVideo();
+    if (grabber.LastError() == CameraError::NoVideoInputDevice) {
+        mCodeBaseStd::sDisplayWarningMessage("No Video Input Device Found ...");
+        succeeded = false;
+    }
+    if (size) {
+        grabber.SetVideoChannelSize(0, 0, size->width(), size->height());
+    }
+    grabber.Prepare();
+    grabber.StartPreview();
+    return succeeded;
+}
 } // namespace
 
 void installCameraServices(CameraServices replacement) {
@@ -48,39 +107,52 @@ Guarded<std::shared_ptr<CameraGrabber>> pQTGrabber;
 
 CameraLinkOwner::CameraLinkOwner(CameraServices services) {
     installCameraServices(std::move(services));
+    g_owner = this;
 }
 
 // What the services hold, a clock for one, may go with the owner's owner.
 CameraLinkOwner::~CameraLinkOwner() {
+    g_owner = nullptr;
+    if (m_setUp.joinable()) {
+        m_setUp.join();
+    }
+    linkTo(nullptr);
     mCodeBaseGlv::pQTGrabber.set(nullptr);
     g_services.set(noCamera());
 }
 
-namespace mCodeBaseStd {
-// No step returns early: a failed frame buffer still lets the camera start at its own size, and
-// the user hears of each failure once.
-void sSetupVideoForCamera() {
-    using mCodeBaseGlv::pVideoGoodToGo;
-    pVideoGoodToGo = true;
-    const std::shared_ptr<CameraGrabber> grabber = services().makeGrabber();
-    mCodeBaseGlv::pQTGrabber.set(grabber);
-    const std::optional<QSize> size = camImgSize(mGeneralSettings::current().pCamImgSize);
+void CameraLinkOwner::setUpInBackground() {
+    if (!m_setUpDone) {
+        return;
+    }
+    if (m_setUp.joinable()) {
+        m_setUp.join();
+    }
+    m_setUpDone = false;
+    m_setUp = std::thread([this] {
+        runGuarded(mCodeBaseStd::sSetupVideoForCamera);
+        m_setUpDone = true;
+    });
+}
 
-    if (size && !grabber->InitFrameBuffer(size->width(), size->height())) {
-        sDisplayWarningMessage("Failed to Create Frame Buffer ...");
-        pVideoGoodToGo = false;
+void startCameraSetUp() {
+    if (CameraLinkOwner* owner = g_owner.load()) {
+        owner->setUpInBackground();
     }
-    grabber->InitGrabber();
-    grabber->InitVideo();
-    if (grabber->LastError() == CameraError::NoVideoInputDevice) {
-        sDisplayWarningMessage("No Video Input Device Found ...");
-        pVideoGoodToGo = false;
+}
+
+namespace mCodeBaseStd {
+void sSetupVideoForCamera() {
+    const std::unique_lock setUp(g_setUpMutex, std::try_to_lock);
+    if (!setUp.owns_lock()) {
+        return;
     }
-    if (size) {
-        grabber->SetVideoChannelSize(0, 0, size->width(), size->height());
-    }
-    grabber->Prepare();
-    grabber->StartPreview();
+    const std::shared_ptr<CameraGrabber> grabber = services().makeGrabber();
+    const CameraGrabber* linked = grabber.get();
+    grabber->setStreamEndHandler([linked] { endLink(linked); });
+    linkTo(linked);
+    mCodeBaseGlv::pQTGrabber.set(grabber);
+    settleLink(linked, runSetUpSteps(*grabber));
 }
 
 bool sTakePhotoViaCamera() {

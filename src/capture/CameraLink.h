@@ -4,16 +4,18 @@
 #include "platform/Picture.h"
 #include "platform/camera/CameraGrabber.h"
 
+#include <atomic>
 #include <functional>
 #include <memory>
+#include <thread>
 
 enum class FrameWindowKind {
     Output,      // wOutput
     OutputSmall, // wOutputSmall
 };
 
-// What the camera link is built from: the camera, and the frame windows that show its photographs.
-// Without them the link finds no camera and shows nothing.
+// What the camera link is built from. The program installs its camera and frame windows at
+// start; until then the link finds no camera and shows nothing.
 struct CameraServices {
     std::function<std::unique_ptr<CameraGrabber>()> makeGrabber;
     // Shows a frame in a new frame window, which writes it when it closes. Called from any
@@ -24,16 +26,28 @@ struct CameraServices {
 void installCameraServices(CameraServices services);
 
 // Owns the camera link for the program: the link is built from `services` for as long as the owner
-// lives, and when it goes, the link that the set-ups opened is stopped and its streaming threads
-// joined. Made before the capture runner, so that it goes after the last capture run, which may
-// still set the link up again.
+// lives, and when it goes, the set-up it started is waited for, and the link that the set-ups
+// opened is stopped and its streaming threads joined. Made before the capture runner, so that it
+// goes after the last capture run, which may still set the link up again.
 class CameraLinkOwner {
 public:
     explicit CameraLinkOwner(CameraServices services = {});
     ~CameraLinkOwner();
     CameraLinkOwner(const CameraLinkOwner&) = delete;
     CameraLinkOwner& operator=(const CameraLinkOwner&) = delete;
+
+    // Sets the link up on a thread of the owner's and returns at once, since finding the camera
+    // can take a while. Nothing new starts while a set-up is still under way.
+    void setUpInBackground();
+
+private:
+    std::thread m_setUp;
+    std::atomic<bool> m_setUpDone{true};
 };
+
+// The set-up of the program's start, on the thread of the program's link owner; nothing where the
+// program has none.
+void startCameraSetUp();
 
 namespace mCodeBaseGlv {
 // The one camera grabber, empty before the first set-up. A set-up on one thread may replace it
@@ -42,7 +56,9 @@ extern Guarded<std::shared_ptr<CameraGrabber>> pQTGrabber;
 } // namespace mCodeBaseGlv
 
 namespace mCodeBaseStd {
-// Opens or reopens the camera link; sets mCodeBaseGlv::pVideoGoodToGo.
+// Opens or reopens the camera link, and raises mCodeBaseGlv::pVideoGoodToGo once it has
+// succeeded; the flag goes down again when the camera stops delivering, so that the next capture
+// run sets the link up anew. Does nothing while another set-up is under way.
 void sSetupVideoForCamera();
 // Shows the newest camera frame in a frame window, which writes it when it closes. Always true.
 bool sTakePhotoViaCamera();

@@ -14,8 +14,10 @@ QString formatZeroPadded(int value, int digits) {
     return value < 0 ? QLatin1Char('-') + magnitude : magnitude;
 }
 
-QString captureFileName(const CaptureStamp& stamp, const QString& tag) {
+QString captureFileName(const CaptureStamp& stamp, const QString& tag, int choice) {
+    const QString follower = choice > 1 ? '-' + QString::number(choice) : QString();
     return formatZeroPadded(stamp.year, 4) + '-' + formatZeroPadded(stamp.month, 2) + '-' +
            formatZeroPadded(stamp.day, 2) + '-' + formatZeroPadded(stamp.hour, 2) + '-' +
-           formatZeroPadded(stamp.minute, 2) + '-' + formatZeroPadded(stamp.second, 2) + '-' + tag + ".jpg";
+           formatZeroPadded(stamp.minute, 2) + '-' + formatZeroPadded(stamp.second, 2) + '-' + tag +
+           follower + ".jpg";
 }

@@ -21,6 +21,8 @@ CaptureStamp captureStamp(const QDateTime& when);
 // (-3, 2) gives "-03", (12345, 4) gives "12345".
 QString formatZeroPadded(int value, int digits);
 
-// "YYYY-MM-DD-HH-MM-SS-<tag>.jpg", where the tag is the screen number or "Camera". The fixed
-// widths make the order of the names the order of time.
-QString captureFileName(const CaptureStamp& stamp, const QString& tag);
+// "YYYY-MM-DD-HH-MM-SS-<tag>.jpg", where the tag is the screen number or "Camera"; the choices
+// after the first, for a name that is taken, are "...-<tag>-2.jpg", "...-<tag>-3.jpg" and so on.
+// The fixed widths make the order of the names the order of time; the number after the tag
+// orders the pictures of one name.
+QString captureFileName(const CaptureStamp& stamp, const QString& tag, int choice = 1);

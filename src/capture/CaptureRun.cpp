@@ -4,13 +4,9 @@
 #include "base/NilObjectException.h"
 #include "base/mCodeBaseGlv.h"
 #include "capture/CameraLink.h"
-#include "capture/CaptureFileName.h"
+#include "capture/CaptureFile.h"
 #include "platform/Clock.h"
-#include "platform/FolderItem.h"
-#include "platform/jpeg/JpegFile.h"
 #include "platform/screen/ScreenGrabber.h"
-
-#include <QDir>
 
 namespace {
 void takeScreen(const CaptureRunInput& input, int index, ScreenRun& screens, const Clock& clock,
@@ -24,15 +20,8 @@ void takeScreen(const CaptureRunInput& input, int index, ScreenRun& screens, con
     if (!picture || picture->isNull()) {
         throw NilObjectException("screen " + std::to_string(index) + " could not be grabbed");
     }
-    const QString name = captureFileName(captureStamp(clock.now()), QString::number(index));
-    // Asked anew for each screen, so a folder that went away during the run comes back.
-    const std::optional<QString> folder = GetFolderItem(input.prefs.pDestination, FolderPlace::Pictures);
-    if (!folder) {
-        return;
-    }
-    QDir().mkdir(*folder);
-    // A failed write leaves nothing behind and is not reported; the run goes on.
-    writeProgressiveJpeg(*picture, input.prefs.pQuality, QDir(*folder).filePath(name));
+    writeCaptureFile(*picture, input.prefs.pQuality, input.prefs.pDestination, captureStamp(clock.now()),
+                     QString::number(index));
 }
 
 void takeScreens(const CaptureRunInput& input, ScreenGrabber& grabber, const Clock& clock,

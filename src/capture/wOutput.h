@@ -6,5 +6,5 @@
 class wOutput final : public CameraFrameWindow {
 public:
     wOutput(Picture frame, const Clock& clock)
-        : CameraFrameWindow(std::move(frame), Qt::Dialog, clock) {}
+        : CameraFrameWindow(std::move(frame), Qt::Dialog | kFrameWindowButtons, clock) {}
 };

@@ -6,5 +6,5 @@
 class wOutputSmall final : public CameraFrameWindow {
 public:
     wOutputSmall(Picture frame, const Clock& clock)
-        : CameraFrameWindow(std::move(frame), Qt::Tool, clock) {}
+        : CameraFrameWindow(std::move(frame), Qt::Tool | kFrameWindowButtons, clock) {}
 };

@@ -2,10 +2,13 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
 
 #include <mutex>
+
+#include <sys/stat.h>
 
 namespace {
 std::mutex g_mutex;
@@ -15,8 +18,10 @@ std::optional<bool> g_applicationFolderWritable;
 
 // The user's own place for this program's files of one kind, made on first use.
 QString userFolder(QStandardPaths::StandardLocation location) {
-    const QString folder = QStandardPaths::writableLocation(location) + QStringLiteral("/Kestrelview");
-    QDir().mkpath(folder);
+    const QString parent = QStandardPaths::writableLocation(location);
+    QDir().mkpath(parent);
+    const QString folder = parent + QStringLiteral("/Kestrelview");
+    CreateAsFolder(folder);
     return folder;
 }
 
@@ -70,4 +75,10 @@ std::optional<QString> GetFolderItem(const QString& path, FolderPlace place) {
         return std::nullopt;
     }
     return absolute;
+}
+
+// Private, since the pictures show whatever was on the screen; a folder that stands there
+// already keeps its mode.
+bool CreateAsFolder(const QString& path) {
+    return ::mkdir(QFile::encodeName(path).constData(), 0700) == 0 || QFileInfo(path).isDir();
 }

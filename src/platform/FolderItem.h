@@ -22,3 +22,7 @@ enum class FolderPlace { Settings, Pictures };
 // Empty when the path cannot denote a file here: an empty text, or a parent folder that is not
 // there (only the last part of a path is ever created).
 std::optional<QString> GetFolderItem(const QString& path, FolderPlace place);
+
+// Makes the folder, readable by its owner alone, where it is missing; true when it stands there
+// afterwards.
+bool CreateAsFolder(const QString& path);

@@ -2,6 +2,7 @@
 #include "base/NilObjectException.h"
 #include "base/mCodeBaseGlv.h"
 #include "base/mProgramInfo.h"
+#include "capture/CameraFrameFile.h"
 #include "capture/CaptureRunner.h"
 #include "capture/ProductCameraServices.h"
 #include "capture/wOutputSmall.h"
@@ -28,6 +29,8 @@
 
 #include <thread>
 
+#include <gmock/gmock.h>
+#include <gst/gst.h>
 #include <gtest/gtest.h>
 
 namespace {
@@ -92,6 +95,29 @@ TEST_F(CaptureRunTest, EachWantedScreenGetsAFileStampedAfterItsGrabUntilOneCanno
     run(into);
     EXPECT_FALSE(QFile::exists(m_dir.filePath("missing")));
     EXPECT_TRUE(m_presenter.messages().empty());
+}
+
+TEST_F(CaptureRunTest, WhenTheClockGoesBackNoPictureReplacesAnotherAndTheFolderMadeForThemIsPrivate) {
+    // The same wall-clock time an hour apart, on either side of the autumn change.
+    const QDateTime summer(QDate(2026, 10, 25), QTime(2, 30, 5), Qt::OffsetFromUTC, 7200);
+    const QDateTime winter = summer.addSecs(3600).toOffsetFromUtc(3600);
+    mProgramInfo::SetConstants(); // the camera's frames go where the settings say
+    mGeneralSettings::SavePrefs(mGeneralSettings::toTexts(mGeneralSettings::defaults()));
+    for (const QDateTime& at : {summer, winter, winter}) {
+        m_clock.set(at);
+        run(input("TRUE"));
+        saveCameraFrame(pictureOf(quadrantPattern({64, 48})), at);
+    }
+    const QString stamp = "2026-10-25-02-30-";
+    EXPECT_THAT(entriesIn(destination()),
+                testing::UnorderedElementsAre(stamp + "02-Camera.jpg", stamp + "02-Camera-2.jpg",
+                                              stamp + "02-Camera-3.jpg", stamp + "05-0.jpg",
+                                              stamp + "05-0-2.jpg", stamp + "05-0-3.jpg"));
+    const auto mode = [&] { return QFile::permissions(destination()).toInt() & 0x0777; };
+    EXPECT_EQ(mode(), 0x0700);
+    ASSERT_TRUE(QFile::setPermissions(destination(), QFile::permissions(destination()) | QFile::ReadOther));
+    run(input("TRUE"));
+    EXPECT_EQ(mode(), 0x0704); // the user's own choice stays
 }
 
 // A display whose runs wait at their start while the test holds it, as a hung server keeps them.
@@ -193,6 +219,73 @@ std::optional<Picture> newestFrame(int timeoutMs = 10000) {
     return QTest::qWaitFor(arrived, timeoutMs) ? frame : std::nullopt;
 }
 
+// A camera that GStreamer's device monitor finds, backed by videotestsrc. Pulling it out ends the
+// stream of the source made from it, by an error or by its end, as unplugging a webcam does.
+namespace testcamera {
+std::mutex g_mutex;
+bool g_plugged = false;
+GstElement* g_source = nullptr; // the latest one made, with a reference of ours
+std::thread::id g_probedOn;
+bool g_readyWhenProbed = false;
+
+GstElement* createSource(GstDevice*, const gchar* name) {
+    GstElement* source = gst_element_factory_make("videotestsrc", name);
+    g_object_set(source, "is-live", TRUE, nullptr);
+    const std::lock_guard lock(g_mutex);
+    if (g_source) {
+        gst_object_unref(g_source);
+    }
+    return g_source = GST_ELEMENT(gst_object_ref(source));
+}
+
+GList* probe(GstDeviceProvider*) {
+    static const GType type = g_type_register_static_simple(
+        GST_TYPE_DEVICE, "KvTestCamera", sizeof(GstDeviceClass),
+        [](gpointer klass, gpointer) { GST_DEVICE_CLASS(klass)->create_element = createSource; },
+        sizeof(GstDevice), nullptr, GTypeFlags(0));
+    const std::lock_guard lock(g_mutex);
+    std::tie(g_probedOn, g_readyWhenProbed) =
+        std::pair(std::this_thread::get_id(), mCodeBaseGlv::pVideoGoodToGo.load());
+    if (!g_plugged) {
+        return nullptr;
+    }
+    GstCaps* caps = gst_caps_new_empty_simple("video/x-raw");
+    gpointer camera = g_object_new(type, "display-name", "Test camera", "device-class", "Video/Source",
+                                   "caps", caps, nullptr);
+    gst_caps_unref(caps);
+    return g_list_append(nullptr, camera);
+}
+
+gboolean registerProvider(GstPlugin* plugin) {
+    const GType type = g_type_register_static_simple(
+        GST_TYPE_DEVICE_PROVIDER, "KvTestCameraProvider", sizeof(GstDeviceProviderClass),
+        [](gpointer klass, gpointer) {
+            GST_DEVICE_PROVIDER_CLASS(klass)->probe = probe;
+            gst_device_provider_class_set_static_metadata(GST_DEVICE_PROVIDER_CLASS(klass), "Test camera",
+                                                          "Source/Video", "Comes and goes", "tests");
+        },
+        sizeof(GstDeviceProvider), nullptr, GTypeFlags(0));
+    return gst_device_provider_register(plugin, "kvtestcamera", GST_RANK_PRIMARY, type);
+}
+
+void plugIn() {
+    static const bool registered =
+        gst_plugin_register_static(GST_VERSION_MAJOR, GST_VERSION_MINOR, "kvtestcamera", "tests",
+                                   registerProvider, "1", "LGPL", "tests", "tests", "tests");
+    const std::lock_guard lock(g_mutex);
+    g_plugged = registered;
+}
+
+void pullOut(bool byError) {
+    const std::lock_guard lock(g_mutex);
+    g_plugged = false;
+    GError* error = g_error_new_literal(GST_RESOURCE_ERROR, GST_RESOURCE_ERROR_READ, "The camera went away");
+    byError ? gst_element_post_message(g_source, gst_message_new_error(GST_OBJECT(g_source), error, nullptr))
+            : gst_element_send_event(g_source, gst_event_new_eos());
+    g_error_free(error);
+}
+} // namespace testcamera
+
 // The camera link on GStreamer's synthetic source, and frame windows on a 1200 by 900 primary monitor.
 class CameraTest : public CaptureRunTest {
 protected:
@@ -204,10 +297,7 @@ protected:
         useSource("videotestsrc is-live=true pattern=solid-color foreground-color=0xff336699");
     }
 
-    void TearDown() override {
-        qDeleteAll(QApplication::topLevelWidgets());
-        mCodeBaseGlv::pVideoGoodToGo = false;
-    }
+    void TearDown() override { qDeleteAll(QApplication::topLevelWidgets()); }
 
     static void useSource(const QString& description) {
         installCameraServices({[description] { return makeGstCameraGrabber(description); }, {}});
@@ -248,14 +338,38 @@ TEST_F(CameraTest, EachSetUpReplacesTheLinkWithOneOfTheSizeThatCamImgSizeSelects
         EXPECT_EQ(imageOf(*frame).size(), size) << word.toStdString();
         EXPECT_TRUE(closeTo(imageOf(*frame).pixelColor(0, size.height() - 1), QColor(0x33, 0x66, 0x99), 2));
     }
-    // A camera that stops delivering, as when it is pulled out, stays ready but gives no photograph.
-    useSource("videotestsrc is-live=true num-buffers=15");
-    mCodeBaseStd::sSetupVideoForCamera();
-    ASSERT_TRUE(newestFrame());
-    EXPECT_TRUE(QTest::qWaitFor([] { return !mCodeBaseGlv::pQTGrabber.get()->CurrentFrame(); }, 10000));
-    EXPECT_TRUE(mCodeBaseStd::sTakePhotoViaCamera());
-    EXPECT_EQ(shownWindow(300), nullptr);
     EXPECT_TRUE(m_presenter.texts().empty());
+}
+
+TEST_F(CameraTest, ACameraThatGoesIsSetUpAgainByTheNextRunsAndUsedOnceItIsBack) {
+    setPrefs("SMALL", "Screen Images", 75, "TRUE");
+    installCameraServices(productCameraServices(m_clock)); // the cameras of GStreamer's device monitor
+    testcamera::plugIn();
+    // The start's search for the camera is off the GUI thread, the link counts as ready only once
+    // it runs, and its first second, dark on a webcam, gives no photograph.
+    QElapsedTimer started;
+    started.start();
+    startCameraSetUp();
+    ASSERT_TRUE(QTest::qWaitFor([] { return mCodeBaseGlv::pVideoGoodToGo.load(); }, 10000));
+    EXPECT_NE(testcamera::g_probedOn, std::this_thread::get_id());
+    EXPECT_FALSE(testcamera::g_readyWhenProbed);
+    ASSERT_TRUE(newestFrame());
+    EXPECT_GE(started.elapsed(), 1000);
+    for (const bool byError : {true, false}) {
+        testcamera::pullOut(byError);
+        ASSERT_TRUE(QTest::qWaitFor([] { return !mCodeBaseGlv::pVideoGoodToGo; }, 10000));
+        EXPECT_FALSE(mCodeBaseGlv::pQTGrabber.get()->CurrentFrame());
+        captureRun(); // finds no camera, and says so
+        testcamera::plugIn();
+        captureRun(); // sets the link up again, and shows nothing yet
+        ASSERT_TRUE(mCodeBaseGlv::pVideoGoodToGo && newestFrame());
+        EXPECT_TRUE(QApplication::topLevelWidgets().isEmpty());
+        captureRun();
+        CameraFrameWindow* window = shownWindow();
+        ASSERT_TRUE(dynamic_cast<wOutputSmall*>(window) && window->Pic().width == 200);
+        closeWindow(window);
+    }
+    EXPECT_EQ(m_presenter.texts(), std::vector<QString>(2, "No Video Input Device Found ..."));
 }
 
 TEST_F(CameraTest, FrameWindowsTakeTheFrameSizeInScreenPixelsAndCloseThemselvesAfterThreeSeconds) {
@@ -267,12 +381,14 @@ TEST_F(CameraTest, FrameWindowsTakeTheFrameSizeInScreenPixelsAndCloseThemselvesA
         ASSERT_NE(window, nullptr);
         EXPECT_EQ(window->size() * window->devicePixelRatio(), size)
             << frame.width() << "x" << frame.height();
+        EXPECT_TRUE(window->windowHandle()->flags().testFlags(Qt::WindowMinMaxButtonsHint));
         closeWindow(window);
     }
     QElapsedTimer shown;
     shown.start();
     CameraFrameWindow* window = open({804, 600}, FrameWindowKind::OutputSmall);
     ASSERT_TRUE(window && showsQuadrants(window->grab().toImage())); // the frame stretched to the window
+    EXPECT_TRUE(window->windowHandle()->flags().testFlags(Qt::WindowMinMaxButtonsHint));
     ASSERT_TRUE(QTest::qWaitFor([] { return QApplication::topLevelWidgets().isEmpty(); }, 6000));
     EXPECT_GE(shown.elapsed(), 2500);
 }
@@ -293,30 +409,5 @@ TEST_F(CameraTest, AWindowWritesTheWholeFrameWhereAndHowTheSettingsSayWhenItClos
     QTimer::singleShot(100, qApp, [] { QCoreApplication::exit(0); });
     QCoreApplication::exec();
     EXPECT_EQ(entriesIn(m_dir.filePath("Later")).size(), 2);
-}
-
-TEST_F(CameraTest,
-       CaptureRunsSetTheLinkUpFirstAndThenShowItsNewestFrameInTheWindowOfTheSettingOrWarnWithoutACamera) {
-    setPrefs("SMALL", "Screen Images", 75, "TRUE");
-    captureRun();
-    EXPECT_TRUE(mCodeBaseGlv::pVideoGoodToGo);
-    ASSERT_TRUE(newestFrame());
-    EXPECT_TRUE(QApplication::topLevelWidgets().isEmpty());
-    captureRun();
-    CameraFrameWindow* window = shownWindow();
-    ASSERT_TRUE(dynamic_cast<wOutputSmall*>(window));
-    EXPECT_EQ(window->Pic().width, 200);
-    closeWindow(window);
-    if (!QDir("/dev").entryList({"video*"}, QDir::System).isEmpty()) {
-        GTEST_SKIP() << "this machine has a camera";
-    }
-    installCameraServices(productCameraServices(m_clock)); // the system's camera, of which there is none
-    mCodeBaseStd::sSetupVideoForCamera();
-    EXPECT_FALSE(mCodeBaseGlv::pVideoGoodToGo);
-    captureRun();
-    captureRun();
-    EXPECT_FALSE(mCodeBaseGlv::pVideoGoodToGo);
-    EXPECT_EQ(m_presenter.texts(), std::vector<QString>(3, "No Video Input Device Found ..."));
-    EXPECT_EQ(shownWindow(500), nullptr);
 }
 } // namespace

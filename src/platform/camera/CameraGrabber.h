@@ -2,6 +2,7 @@
 
 #include "platform/Picture.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -18,6 +19,10 @@ class CameraGrabber {
 public:
     virtual ~CameraGrabber() = default;
 
+    // Called from a thread of the camera's when it stops delivering for good: an error (a camera
+    // pulled out, taken by another program) or the end of its stream. Given before InitGrabber.
+    virtual void setStreamEndHandler(std::function<void()> ended) = 0;
+
     // Makes the buffer that receives frames of this size; false when it cannot be made.
     virtual bool InitFrameBuffer(int width, int height) = 0;
     virtual void InitGrabber() = 0;
@@ -29,8 +34,9 @@ public:
     virtual void Prepare() = 0;
     // Frames flow from here on, with no further calls, until the grabber goes.
     virtual void StartPreview() = 0;
-    // A copy of the newest frame, which stays valid after the grabber goes. Empty before the
-    // first frame, and once the camera has stopped delivering.
+    // A copy of the newest frame, which stays valid after the grabber goes. Empty in the first
+    // second after StartPreview, whose dark frames a camera gives while it adjusts, and once the
+    // camera has stopped delivering.
     virtual std::optional<Picture> CurrentFrame() const = 0;
 };
 

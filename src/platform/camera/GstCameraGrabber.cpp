@@ -6,11 +6,17 @@
 #include <gst/video/video.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstring>
 #include <mutex>
 #include <vector>
 
 namespace {
+using SteadyClock = std::chrono::steady_clock;
+
+// Webcams give dark frames while they adjust to the light.
+constexpr std::chrono::seconds kWarmUp{1};
+
 struct GstObjectDeleter {
     void operator()(gpointer object) const { gst_object_unref(object); }
 };
@@ -95,6 +101,8 @@ public:
 
     GstCameraGrabber(const GstCameraGrabber&) = delete;
     GstCameraGrabber& operator=(const GstCameraGrabber&) = delete;
+
+    void setStreamEndHandler(std::function<void()> ended) override { m_onStreamEnd = std::move(ended); }
 
     bool InitFrameBuffer(int width, int height) override {
         std::lock_guard lock(m_mutex);
@@ -182,6 +190,10 @@ public:
             m_lastError = CameraError::Other;
             return;
         }
+        {
+            std::lock_guard frameLock(m_frameMutex);
+            m_liveFrom = SteadyClock::now() + kWarmUp;
+        }
         const bool started =
             gst_element_set_state(m_pipeline.get(), GST_STATE_PLAYING) != GST_STATE_CHANGE_FAILURE;
         m_lastError = started ? CameraError::None : CameraError::Other;
@@ -221,7 +233,7 @@ private:
             auto* grabber = static_cast<GstCameraGrabber*>(self);
             SamplePtr sample(gst_app_sink_pull_sample(sink));
             std::lock_guard lock(grabber->m_frameMutex);
-            if (sample && !grabber->m_streamEnded) {
+            if (sample && !grabber->m_streamEnded && SteadyClock::now() >= grabber->m_liveFrom) {
                 grabber->m_newest = std::move(sample);
             }
         } catch (...) {
@@ -234,14 +246,24 @@ private:
     static GstBusSyncReply onBusMessage(GstBus*, GstMessage* message, gpointer self) noexcept {
         if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR || GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS) {
             try {
-                auto* grabber = static_cast<GstCameraGrabber*>(self);
-                std::lock_guard lock(grabber->m_frameMutex);
-                grabber->m_streamEnded = true;
-                grabber->m_newest.reset();
+                static_cast<GstCameraGrabber*>(self)->endStream();
             } catch (...) {
             }
         }
         return GST_BUS_DROP;
+    }
+
+    void endStream() {
+        {
+            std::lock_guard lock(m_frameMutex);
+            m_newest.reset();
+            if (std::exchange(m_streamEnded, true)) {
+                return;
+            }
+        }
+        if (m_onStreamEnd) {
+            m_onStreamEnd();
+        }
     }
 
     static std::optional<Picture> copyFrame(GstSample* sample) {
@@ -279,6 +301,7 @@ private:
     }
 
     const QString m_sourceDescription;
+    std::function<void()> m_onStreamEnd;
     std::atomic<CameraError> m_lastError{CameraError::None};
 
     std::mutex m_mutex; // the elements, for set-up steps coming from different threads
@@ -293,6 +316,7 @@ private:
     mutable std::mutex m_frameMutex; // the streaming thread hands frames over here
     SamplePtr m_newest;
     bool m_streamEnded = false;
+    SteadyClock::time_point m_liveFrom = SteadyClock::time_point::max();
 };
 
 bool initGstreamer() {

@@ -7,6 +7,7 @@
 // Stands in where no camera back end can run: it finds no video input device.
 class NullCameraGrabber final : public CameraGrabber {
 public:
+    void setStreamEndHandler(std::function<void()>) override {}
     bool InitFrameBuffer(int, int) override { return true; }
     void InitGrabber() override {}
     void InitVideo() override { m_lastError = CameraError::NoVideoInputDevice; }

@@ -1,19 +1,13 @@
 #include "platform/jpeg/JpegFile.h"
 
-#include <QFile>
-#include <QFileInfo>
-
 #include <algorithm>
-#include <atomic>
-#include <cerrno>
 #include <csetjmp>
 #include <cstdio>
 #include <memory>
 
-#include <fcntl.h>
 #include <malloc.h>
-#include <unistd.h>
 
+#include "platform/PartFile.h"
 #include "platform/jpeg/JpegErrors.h"
 
 namespace {
@@ -72,76 +66,23 @@ bool encode(const Picture& picture, int quality, bool progressive, FILE* out) {
     return true;
 }
 
-struct CloseFile {
-    void operator()(FILE* file) const { std::fclose(file); }
-};
-
-// A file beside its final place that nobody else takes for a picture: hidden, and not ending in
-// .jpg. Removed again unless it is renamed into place.
-class PartFile {
-public:
-    static std::unique_ptr<PartFile> createFor(const QByteArray& finalPath) {
-        static std::atomic<unsigned> counter{0};
-        const QFileInfo target(QFile::decodeName(finalPath));
-        for (int attempt = 0; attempt < 100; ++attempt) {
-            const QByteArray path =
-                QFile::encodeName(target.path() + "/." + target.fileName() + "." +
-                                  QString::number(::getpid()) + "-" + QString::number(counter++) + ".part");
-            const int fd = ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-            if (fd < 0) {
-                if (errno == EEXIST) {
-                    continue;
-                }
-                return nullptr;
-            }
-            FILE* stream = ::fdopen(fd, "wb");
-            if (!stream) {
-                ::close(fd);
-                ::unlink(path.constData());
-                return nullptr;
-            }
-            return std::unique_ptr<PartFile>(new PartFile(path, stream));
-        }
+// The encoded picture in a part file beside `path`, or none.
+std::unique_ptr<PartFile> encodeBeside(const Picture& picture, int quality, bool progressive,
+                                       const QString& path) {
+    if (picture.isNull() || picture.strideBytes < picture.width * bytesPerPixel(picture.layout)) {
         return nullptr;
     }
-
-    ~PartFile() {
-        if (!m_renamed) {
-            m_stream.reset();
-            ::unlink(m_path.constData());
-        }
-    }
-
-    FILE* stream() const { return m_stream.get(); }
-
-    bool renameTo(const QByteArray& finalPath) {
-        const bool written = std::fflush(m_stream.get()) == 0 && std::ferror(m_stream.get()) == 0;
-        const bool closed = std::fclose(m_stream.release()) == 0;
-        m_renamed = written && closed && std::rename(m_path.constData(), finalPath.constData()) == 0;
-        return m_renamed;
-    }
-
-private:
-    PartFile(QByteArray path, FILE* stream)
-        : m_path(std::move(path))
-        , m_stream(stream) {}
-
-    QByteArray m_path;
-    std::unique_ptr<FILE, CloseFile> m_stream;
-    bool m_renamed = false;
-};
-
-bool writeJpeg(const Picture& picture, int quality, bool progressive, const QString& path) {
-    if (picture.isNull() || picture.strideBytes < picture.width * bytesPerPixel(picture.layout)) {
-        return false;
-    }
-    const QByteArray finalPath = QFile::encodeName(path);
-    const std::unique_ptr<PartFile> part = PartFile::createFor(finalPath);
+    std::unique_ptr<PartFile> part = PartFile::createBeside(path);
     const bool encoded = part && encode(picture, quality, progressive, part->stream());
     // The coefficient buffers of a progressive encode are tens of megabytes; malloc would keep
     // them for the next capture, minutes away.
     ::malloc_trim(0);
-    return encoded && part->renameTo(finalPath);
+    return encoded ? std::move(part) : nullptr;
+}
+
+bool writeJpeg(const Picture& picture, int quality, bool progressive, const QString& path) {
+    const std::unique_ptr<PartFile> part = encodeBeside(picture, quality, progressive, path);
+    return part && part->placeOver(path);
 }
 } // namespace
 
@@ -151,4 +92,10 @@ bool writeProgressiveJpeg(const Picture& picture, int quality, const QString& pa
 
 bool writeBaselineJpeg(const Picture& picture, int quality, const QString& path) {
     return writeJpeg(picture, quality, false, path);
+}
+
+std::optional<QString> writeNewProgressiveJpeg(const Picture& picture, int quality,
+                                               const NameChoices& nameFor) {
+    const std::unique_ptr<PartFile> part = encodeBeside(picture, quality, true, nameFor(1));
+    return part ? part->placeAtFreeName(nameFor) : std::nullopt;
 }
