@@ -14,6 +14,9 @@ namespace {
 constexpr long kMaxDecoderMemoryBytes = 512L << 20;
 constexpr std::uint64_t kMaxOutputPixels = std::uint64_t{1} << 26;
 constexpr int kBytesPerPixel = 4;
+// Each scan of a progressive file is a pass over the whole picture, and a file may hold any
+// number of them; writers make about ten.
+constexpr int kMaxScans = 100;
 
 struct CloseFile {
     void operator()(FILE* file) const { std::fclose(file); }
@@ -24,10 +27,17 @@ struct CloseFile {
 struct Decompressor {
     jpeg_decompress_struct info{};
     JpegErrorManager errors{};
+    jpeg_progress_mgr progress{};
     std::vector<std::uint8_t> pixels;
     // Safe also when creation never ran or failed half-way: info starts zeroed.
     ~Decompressor() { jpeg_destroy_decompress(&info); }
 };
+
+void stopAtScanLimit(j_common_ptr common) noexcept {
+    if (reinterpret_cast<j_decompress_ptr>(common)->input_scan_number > kMaxScans) {
+        jpegJumpOut(common);
+    }
+}
 
 void chooseScale(jpeg_decompress_struct* info, const std::function<QSize(QSize)>& coveringFor) {
     const QSize covering =
@@ -51,6 +61,8 @@ bool decode(Decompressor& d, FILE* in, const std::function<QSize(QSize)>& coveri
     }
     jpeg_create_decompress(info);
     info->mem->max_memory_to_use = kMaxDecoderMemoryBytes;
+    d.progress.progress_monitor = stopAtScanLimit;
+    info->progress = &d.progress;
     jpeg_stdio_src(info, in);
     jpeg_read_header(info, TRUE);
     info->out_color_space = JCS_EXT_BGRX;
