@@ -1,5 +1,6 @@
 #include "platform/jpeg/JpegReader.h"
 
+#include "platform/FilePtr.h"
 #include "platform/jpeg/JpegErrors.h"
 
 #include <QFile>
@@ -17,10 +18,6 @@ constexpr int kBytesPerPixel = 4;
 // Each scan of a progressive file is a pass over the whole picture, and a file may hold any
 // number of them; writers make about ten.
 constexpr int kMaxScans = 100;
-
-struct CloseFile {
-    void operator()(FILE* file) const { std::fclose(file); }
-};
 
 // Kept on the heap, with the pixels, so that nothing the longjmp lands beside is a local changed
 // after setjmp.
@@ -83,7 +80,7 @@ bool decode(Decompressor& d, FILE* in, const std::function<QSize(QSize)>& coveri
 } // namespace
 
 std::optional<JpegPicture> readJpeg(const QString& path, const std::function<QSize(QSize)>& covering) {
-    const std::unique_ptr<FILE, CloseFile> in(std::fopen(QFile::encodeName(path).constData(), "rb"));
+    const FilePtr in(std::fopen(QFile::encodeName(path).constData(), "rb"));
     if (!in) {
         return std::nullopt;
     }
@@ -91,13 +88,8 @@ std::optional<JpegPicture> readJpeg(const QString& path, const std::function<QSi
     if (!decode(*d, in.get(), covering)) {
         return std::nullopt;
     }
-    auto pixels = std::make_shared<std::vector<std::uint8_t>>(std::move(d->pixels));
-    Picture picture;
-    picture.width = int(d->info.output_width);
-    picture.height = int(d->info.output_height);
-    picture.strideBytes = picture.width * kBytesPerPixel;
-    picture.layout = PixelLayout::Bgrx32;
-    picture.bits = pixels->data();
-    picture.owner = std::move(pixels);
+    const int width = int(d->info.output_width);
+    const Picture picture =
+        Picture::sharing(std::move(d->pixels), width, int(d->info.output_height), width * kBytesPerPixel);
     return JpegPicture{picture, QSize(int(d->info.image_width), int(d->info.image_height))};
 }
