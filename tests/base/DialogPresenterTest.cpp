@@ -10,72 +10,45 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <functional>
 #include <thread>
 
 namespace {
-// Calls `onBox` with the first message box that comes up, from a timer, since the box runs an
-// event loop of its own.
-void onFirstBox(QTimer& timer, std::function<void(QMessageBox*)> onBox) {
-    QObject::connect(&timer, &QTimer::timeout, [&timer, onBox] {
-        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
-            timer.stop();
-            onBox(box);
-        }
-    });
-    timer.start(10);
-}
-
-// A thread asks for a dialog. When the box comes up, it notes its words and whether the thread
-// still waits; then it answers, or stops the presenter and notes whether that let the thread go.
-struct Asking {
-    DialogPresenter& presenter;
-    bool quitBeforeAnswer;
+// A thread asks for a dialog. A timer watches for the box, which runs an event loop of its own: it
+// notes the box's words and whether the thread still waits, and then answers, or first stops the
+// presenter and notes whether that let the thread go with the box still up.
+std::vector<bool> askFromThread(DialogPresenter& presenter, bool stopFirst, QStringList& words) {
     std::atomic<bool> returned{false};
-    QStringList words{};
-    std::vector<bool> waiting{};
-
-    void run() {
-        std::thread thread([this] {
-            presenter.present(MessageKind::Warning, "WARNING:", "Unable to Write ...");
-            returned = true;
-        });
-        QTimer timer;
-        onFirstBox(timer, [this](QMessageBox* box) {
+    std::thread asking([&] {
+        presenter.present(MessageKind::Warning, "WARNING:", "Unable to Write ...");
+        returned = true;
+    });
+    std::vector<bool> waiting;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            watch.stop();
             words << box->text() << box->informativeText();
             waiting.push_back(!returned);
-            if (quitBeforeAnswer) {
+            if (stopFirst) {
                 presenter.stopWaiting();
-                waiting.push_back(!QTest::qWaitFor([this] { return returned.load(); }, 5000));
+                waiting.push_back(!QTest::qWaitFor([&] { return returned.load(); }, 5000));
             }
             box->button(QMessageBox::Ok)->click();
-        });
-        EXPECT_TRUE(QTest::qWaitFor([this] { return returned.load(); }, 10000));
-        thread.join();
-    }
-};
+        }
+    });
+    watch.start(10);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return returned.load(); }, 10000));
+    asking.join();
+    return waiting;
+}
 } // namespace
 
 TEST(DialogPresenter, AThreadWaitsForTheAnswerUntilThePresenterStopsWaiting) {
     DialogPresenter presenter;
-    Asking answered{presenter, false};
-    answered.run();
-    EXPECT_EQ(answered.words, (QStringList{"WARNING:", "Unable to Write ..."}));
-    EXPECT_EQ(answered.waiting, std::vector{true});
-
-    Asking atQuit{presenter, true};
-    atQuit.run();
-    EXPECT_EQ(atQuit.waiting, (std::vector{true, false})) << "let go with the box still up";
-
-    // From then on a thread's message shows no dialog, whose answer nobody would wait for.
-    std::thread late([&] { presenter.present(MessageKind::Information, "INFORMATION:", "Done ..."); });
-    late.join();
-    bool shown = false;
-    QTimer timer;
-    onFirstBox(timer, [&](QMessageBox* box) {
-        shown = true;
-        box->reject();
-    });
-    QCoreApplication::sendPostedEvents();
-    EXPECT_FALSE(shown);
+    QStringList words;
+    EXPECT_EQ(askFromThread(presenter, false, words), std::vector{true});
+    EXPECT_EQ(words, (QStringList{"WARNING:", "Unable to Write ..."}));
+    EXPECT_EQ(askFromThread(presenter, true, words), (std::vector{true, false}));
+    // From then on no dialog comes up, since the event loop that would answer it has ended.
+    EXPECT_EQ(askFromThread(presenter, false, words), std::vector<bool>{});
 }
