@@ -1,5 +1,6 @@
 #include "app/wAbout.h"
 
+#include "base/Controls.h"
 #include "base/Resources.h"
 #include "base/UnhandledException.h"
 #include "base/mProgramInfo.h"
@@ -15,9 +16,7 @@ constexpr const char* kPlatformWord = KV_PLATFORM_WORD;
 // Text sizes are in pixels, so that the text keeps its place in the boxes at any screen resolution.
 QLabel* makeText(QWidget* parent, const char* name, const QString& text, QRect frame, int pixelSize,
                  bool bold) {
-    auto* label = new QLabel(text, parent);
-    label->setObjectName(name);
-    label->setGeometry(frame);
+    auto* label = placeControl<QLabel>(parent, name, frame, text);
     label->setAlignment(Qt::AlignCenter);
     QFont font("Verdana");
     font.setPixelSize(pixelSize);
@@ -51,7 +50,7 @@ wAbout::wAbout(ScheduleSuspension& suspension)
     , m_sttSupport(
           makeText(this, "sttSupport", "Support: support@kestrelview.com", {20, 405, 366, 20}, 10, false))
     , m_sttVersion(makeText(this, "sttVersion", "Version", {20, 437, 366, 20}, 10, false))
-    , m_btnClose(new QPushButton("Close", this))
+    , m_btnClose(makeButton(this, "btnClose", "Close", {163, 477, 80, 20}))
     , m_suspension(suspension) {
     m_ImageWell1->setObjectName("ImageWell1");
     m_ImageWell1->setGeometry(121, 14, 164, 163);
@@ -59,8 +58,6 @@ wAbout::wAbout(ScheduleSuspension& suspension)
     m_ImageWell1->setPixmap(NewKestrelviewLogo());
     makeSeparator(this, "Separator1", 264);
     makeSeparator(this, "Separator2", 380);
-    m_btnClose->setObjectName("btnClose");
-    m_btnClose->setGeometry(163, 477, 80, 20);
     setDefaultButton(m_btnClose);
     connect(m_btnClose, &QPushButton::clicked, this, &wAbout::btnClose_Action);
 }

@@ -1,6 +1,8 @@
 #include "base/mProgramInfo.h"
 
 namespace mProgramInfo {
+const QString pProgramVersion = QStringLiteral(KV_VERSION);
+
 void SetConstants() {
     pScreenSettingsFileName = pProgramName + "Screen.ini";
     pGeneralSettingsFileName = pProgramName + "Preferences.ini";

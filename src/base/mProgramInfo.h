@@ -6,7 +6,7 @@
 // thread, before any other thread exists.
 namespace mProgramInfo {
 inline const QString pProgramName = QStringLiteral("Kestrelview");
-inline const QString pProgramVersion = QStringLiteral("1.7.0");
+extern const QString pProgramVersion; // the project's version, given by the build
 inline const QString pProgramBuild = QStringLiteral("15072010_1800");
 inline const QString pSubName = QStringLiteral("Timed Screen and Webcam Recorder");
 

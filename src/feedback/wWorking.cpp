@@ -1,5 +1,6 @@
 #include "feedback/wWorking.h"
 
+#include "base/Controls.h"
 #include "base/GuiThread.h"
 #include "base/mCodeBaseGlv.h"
 #include "feedback/DockIcon.h"
@@ -36,13 +37,6 @@ QLabel* makeLine(QWidget* parent, const QRect& frame, const QFont& font) {
 QFont boldSystemFont() {
     QFont font = QApplication::font();
     font.setBold(true);
-    return font;
-}
-
-// The small system font stands to the system font as 11 to 13 points.
-QFont smallSystemFont() {
-    QFont font = QApplication::font();
-    font.setPointSizeF(font.pointSizeF() * 11.0 / 13.0);
     return font;
 }
 } // namespace

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/FilePtr.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -32,10 +34,6 @@ public:
     std::optional<QString> placeAtFreeName(const NameChoices& nameFor);
 
 private:
-    struct CloseFile {
-        void operator()(FILE* file) const { std::fclose(file); }
-    };
-
     PartFile(QByteArray path, FILE* stream)
         : m_path(std::move(path))
         , m_stream(stream) {}
@@ -43,6 +41,6 @@ private:
     bool finish();
 
     QByteArray m_path;
-    std::unique_ptr<FILE, CloseFile> m_stream;
+    FilePtr m_stream;
     bool m_placed = false;
 };

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <memory>
+#include <utility>
+#include <vector>
 
 // How the bytes of one pixel lie in memory.
 enum class PixelLayout {
@@ -20,4 +22,11 @@ struct Picture {
     std::shared_ptr<const void> owner;
 
     bool isNull() const { return bits == nullptr || width <= 0 || height <= 0; }
+
+    // Pixels of our own, kept for as long as any copy of the Picture lives.
+    static Picture sharing(std::vector<std::uint8_t> pixels, int width, int height, int strideBytes,
+                           PixelLayout layout = PixelLayout::Bgrx32) {
+        auto owner = std::make_shared<const std::vector<std::uint8_t>>(std::move(pixels));
+        return Picture{width, height, strideBytes, layout, owner->data(), std::move(owner)};
+    }
 };

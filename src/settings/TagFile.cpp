@@ -31,6 +31,29 @@ struct LeadingNumber {
     long long order = 0; // rough power of ten of the magnitude, to tell overflow from underflow
 };
 
+// An exponent at `pos` ("e", an optional sign, digits), added to `numberText`; its value, capped
+// at a million either way, since only the order of magnitude is wanted from it. 0 if none.
+long long takeExponent(const QString& text, qsizetype pos, std::string& numberText) {
+    if (pos >= text.size() || (text[pos] != u'e' && text[pos] != u'E')) {
+        return 0;
+    }
+    ++pos;
+    const bool negative = pos < text.size() && text[pos] == u'-';
+    if (pos < text.size() && (text[pos] == u'+' || text[pos] == u'-')) {
+        ++pos;
+    }
+    const std::string digits = takeDigits(text, pos);
+    if (digits.empty()) {
+        return 0;
+    }
+    numberText += (negative ? "e-" : "e") + digits;
+    long long exponent = 0;
+    for (char d : digits) {
+        exponent = std::min(exponent * 10 + (d - '0'), 1'000'000LL);
+    }
+    return negative ? -exponent : exponent;
+}
+
 // Blanks, an optional sign, digits with an optional fraction, an optional exponent.
 std::optional<LeadingNumber> leadingNumber(const QString& text) {
     qsizetype pos = 0;
@@ -56,27 +79,7 @@ std::optional<LeadingNumber> leadingNumber(const QString& text) {
         number.text += '.' + fractionDigits;
     }
 
-    long long exponent = 0;
-    if (pos < text.size() && (text[pos] == u'e' || text[pos] == u'E')) {
-        qsizetype expPos = pos + 1;
-        bool negativeExponent = false;
-        if (expPos < text.size() && (text[expPos] == u'+' || text[expPos] == u'-')) {
-            negativeExponent = text[expPos] == u'-';
-            ++expPos;
-        }
-        const std::string expDigits = takeDigits(text, expPos);
-        if (!expDigits.empty()) {
-            number.text += (negativeExponent ? "e-" : "e") + expDigits;
-            // Only the order of magnitude is wanted from it, so a huge exponent is capped.
-            for (char d : expDigits) {
-                exponent = std::min(exponent * 10 + (d - '0'), 1'000'000LL);
-            }
-            if (negativeExponent) {
-                exponent = -exponent;
-            }
-        }
-    }
-
+    const long long exponent = takeExponent(text, pos, number.text);
     const auto firstSignificant = integerDigits.find_first_not_of('0');
     if (firstSignificant != std::string::npos) {
         number.order = static_cast<long long>(integerDigits.size() - firstSignificant) + exponent;

@@ -1,5 +1,6 @@
 #include "settings/wGeneralSettings.h"
 
+#include "base/Controls.h"
 #include "base/Messages.h"
 #include "base/UnhandledException.h"
 #include "platform/FolderItem.h"
@@ -27,48 +28,24 @@
 namespace {
 using mGeneralSettings::kTable;
 
-QLabel* makeLabel(QWidget* parent, const char* name, const QString& text, QRect frame) {
-    auto* label = new QLabel(text, parent);
-    label->setObjectName(name);
-    label->setGeometry(frame);
-    return label;
-}
-
 // Only digits go in, and no more than `digits` of them; an empty field stays possible.
 QLineEdit* makeNumberField(QWidget* parent, const char* name, int digits, QRect frame) {
-    auto* field = new QLineEdit(parent);
-    field->setObjectName(name);
-    field->setGeometry(frame);
+    auto* field = placeControl<QLineEdit>(parent, name, frame);
     field->setMaxLength(digits);
     field->setValidator(new QRegularExpressionValidator(QRegularExpression("[0-9]*"), field));
     return field;
 }
 
 QCheckBox* makeCheckBox(QWidget* parent, const char* name, const QString& text, QRect frame) {
-    auto* box = new QCheckBox(text, parent);
-    box->setObjectName(name);
-    box->setGeometry(frame);
-    return box;
-}
-
-QPushButton* makeButton(QWidget* parent, const char* name, const QString& text, QRect frame) {
-    auto* button = new QPushButton(text, parent);
-    button->setObjectName(name);
-    button->setGeometry(frame);
-    return button;
+    return placeControl<QCheckBox>(parent, name, frame, text);
 }
 
 QPlainTextEdit* makeDestinationField(QWidget* parent) {
-    auto* field = new QPlainTextEdit(parent);
-    field->setObjectName("edtDestination");
-    field->setGeometry(132, 155, 266, 50);
+    auto* field = placeControl<QPlainTextEdit>(parent, "edtDestination", {132, 155, 266, 50});
     field->setReadOnly(true);
     field->setTabChangesFocus(true);
     field->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    // The small system size: eleven parts in thirteen of the normal one.
-    QFont font = field->font();
-    font.setPointSizeF(font.pointSizeF() * 11 / 13);
-    field->setFont(font);
+    field->setFont(smallSystemFont());
     return field;
 }
 

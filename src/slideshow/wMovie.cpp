@@ -1,5 +1,6 @@
 #include "slideshow/wMovie.h"
 
+#include "base/Controls.h"
 #include "base/NilObjectException.h"
 #include "base/UnhandledException.h"
 #include "base/mCodeBaseGlv.h"
@@ -20,17 +21,8 @@
 #include <QPushButton>
 
 namespace {
-// The small system font stands to the system font as 11 to 13 points.
-QFont smallSystemFont() {
-    QFont font = QApplication::font();
-    font.setPointSizeF(font.pointSizeF() * 11.0 / 13.0);
-    return font;
-}
-
 QListWidget* makeList(QWidget* parent) {
-    auto* list = new QListWidget(parent);
-    list->setObjectName("List");
-    list->setGeometry(20, 14, 302, 342);
+    auto* list = placeControl<QListWidget>(parent, "List", {20, 14, 302, 342});
     list->setFont(smallSystemFont());
     list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
@@ -38,9 +30,7 @@ QListWidget* makeList(QWidget* parent) {
 }
 
 QProgressBar* makeProgressBar(QWidget* parent) {
-    auto* bar = new QProgressBar(parent);
-    bar->setObjectName("barProgress1");
-    bar->setGeometry(20, 368, 302, 20);
+    auto* bar = placeControl<QProgressBar>(parent, "barProgress1", {20, 368, 302, 20});
     bar->setRange(0, 100);
     bar->setValue(0);
     bar->setTextVisible(false);
@@ -61,12 +51,10 @@ wMovie::wMovie(ScheduleSuspension& suspension)
     : DialogWindow("Create QuickTime Movie / Slideshow", QSize(342, 440))
     , m_barProgress1(makeProgressBar(this))
     , m_List(makeList(this))
-    , m_pb1(new QPushButton("Create Movie", this))
+    , m_pb1(makeButton(this, "pb1", "Create Movie", {217, 400, 105, 20}))
     , m_writer(makeMovieWriter())
     , m_assembly(new MovieAssembly(*m_writer, systemClock(), this))
     , m_suspension(suspension) {
-    m_pb1->setObjectName("pb1");
-    m_pb1->setGeometry(217, 400, 105, 20);
     setDefaultButton(m_pb1);
     connect(m_pb1, &QPushButton::clicked, this, &wMovie::pb1_Action);
     // The assembly speaks from its worker thread; the window hears it in order, on its own.

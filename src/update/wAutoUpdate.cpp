@@ -1,5 +1,6 @@
 #include "update/wAutoUpdate.h"
 
+#include "base/Controls.h"
 #include "base/NilObjectException.h"
 #include "base/UnhandledException.h"
 #include "update/cAutoUpdate.h"
@@ -15,9 +16,7 @@
 
 namespace {
 QLabel* makeText(QWidget* parent, const char* name, QRect frame, bool bold) {
-    auto* label = new QLabel(parent);
-    label->setObjectName(name);
-    label->setGeometry(frame);
+    auto* label = placeControl<QLabel>(parent, name, frame);
     // The release's name comes from the server: its characters are shown, never markup.
     label->setTextFormat(Qt::PlainText);
     QFont font = label->font();
@@ -44,18 +43,14 @@ int clampedToInt(qint64 value) {
 
 wAutoUpdate::wAutoUpdate()
     : DialogWindow("Downloading ...", QSize(400, 160))
-    , pbDownload(new QProgressBar(this))
+    , pbDownload(placeControl<QProgressBar>(this, "pbDownload", {20, 70, 360, 20}))
     , stTitle(makeText(this, "stTitle", {20, 38, 360, 20}, true))
     , stProgress(makeText(this, "stProgress", {20, 92, 360, 20}, false))
-    , btnCancel(new QPushButton("Cancel", this)) {
+    , btnCancel(makeButton(this, "btnCancel", "Cancel", {300, 124, 80, 20})) {
     setWindowFlag(Qt::WindowMinimizeButtonHint);
-    pbDownload->setObjectName("pbDownload");
-    pbDownload->setGeometry(20, 70, 360, 20);
     pbDownload->setRange(0, 100);
     pbDownload->setValue(0);
     pbDownload->setTextVisible(false);
-    btnCancel->setObjectName("btnCancel");
-    btnCancel->setGeometry(300, 124, 80, 20);
     btnCancel->setAutoDefault(false);
     connect(btnCancel, &QPushButton::clicked, this, &wAutoUpdate::btnCancel_Action);
 }

@@ -6,6 +6,7 @@
 #include "settings/wGeneralSettings.h"
 #include "slideshow/wMovie.h"
 #include "support/Files.h"
+#include "support/Must.h"
 #include "support/Pixels.h"
 
 #include <QLabel>
@@ -53,7 +54,7 @@ protected:
     template <typename W> static W* activeAfterFlip() {
         EXPECT_EQ(qobject_cast<W*>(QApplication::activeWindow()), nullptr) << "only after the flip";
         EXPECT_TRUE(QTest::qWaitFor([] { return qobject_cast<W*>(QApplication::activeWindow()); }, 10000));
-        return qobject_cast<W*>(QApplication::activeWindow());
+        return &must(qobject_cast<W*>(QApplication::activeWindow()), "the window after the flip");
     }
 };
 
@@ -191,7 +192,8 @@ TEST_F(MenuTest, EscapeNeverClosesOnlyButtonsEndTheSuspensionAndTheWindowsLookAs
     // Fresh windows, filled in again.
     QWidget* about = m_main->aboutWindow();
     QWidget* settings = m_main->showSettingsWindow();
-    EXPECT_EQ(about->findChild<QLabel*>("sttVersion")->text(), "1.7.0 - Linux - 15072010_1800");
+    EXPECT_EQ(must(about->findChild<QLabel*>("sttVersion"), "sttVersion").text(),
+              "1.7.0 - Linux - 15072010_1800");
     m_main->sttCountDown()->setText("300"); // whatever the countdown had reached before the pause
     for (const auto& [window, name] : {std::pair<QWidget*, const char*>{m_main, "main-window"},
                                        {about, "about-window"},

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# Checks the Debian package: its launcher entry and metainfo validate, it unpacks into a scratch
-# root with everything in place, and the program installed there starts on a display of its own,
-# keeps its files with the user, captures and quits through a later start.
-# Usage: check-package.sh build/kestrelview_<version>_amd64.deb
+# Checks the Debian package: lintian finds nothing to warn of, its launcher entry and metainfo
+# validate, it unpacks into a scratch root with everything in place, the manual page names every
+# option that --help names, and the program installed there starts on a display of its own, keeps
+# its files with the user, captures and quits through a later start.
+# Usage: check-package.sh build/kestrelview_<version>_amd64.deb   (as root: it mounts the tree)
 set -euo pipefail
 deb=$(realpath "$1")
 support=$(cd "$(dirname "$0")/../support" && pwd)
@@ -11,6 +12,9 @@ bus_pid=
 cleanup() { [ -n "$bus_pid" ] && kill "$bus_pid" 2>/dev/null; rm -rf "$scratch"; }
 trap cleanup EXIT
 fail() { echo "package: $*" >&2; exit 1; }
+[ "$(id -u)" -eq 0 ] || fail "needs root to mount the installed tree read-only: run it as root or through sudo"
+
+lintian --fail-on error,warning "$deb" || fail "lintian found faults"
 
 root=$scratch/root
 dpkg -x "$deb" "$root"
@@ -20,6 +24,11 @@ appstreamcli validate --no-net "$root/usr/share/metainfo/$id.metainfo.xml" >/dev
 for size in 16 22 24 32 48 64 128 256; do
     icon=$root/usr/share/icons/hicolor/${size}x${size}/apps/$id.png
     file "$icon" | grep -q "$size x $size" || fail "no ${size}x${size} icon"
+done
+program=$root/usr/bin/kestrelview
+manual=$(zcat "$root/usr/share/man/man1/kestrelview.1.gz" | sed 's/\\-/-/g') || fail "no manual page"
+for option in $("$program" --help | grep -o -- '--[a-z-]*' | sort -u); do
+    grep -q -- "$option" <<<"$manual" || fail "the manual page does not name $option"
 done
 depends=$(dpkg-deb -f "$deb" Depends)
 for needed in libqt6widgets6 qt6-qpa-plugins; do
@@ -33,7 +42,6 @@ mkdir -p "$HOME" "$XDG_RUNTIME_DIR"
 chmod 700 "$XDG_RUNTIME_DIR"
 read -r DBUS_SESSION_BUS_ADDRESS bus_pid < <(dbus-daemon --session --fork --print-address=1 --print-pid=1 | paste -sd' ')
 export DBUS_SESSION_BUS_ADDRESS
-program=$root/usr/bin/kestrelview
 "$support/xvfb-run.sh" -- bash -c '
     set -euo pipefail
     root=$1 program=$2

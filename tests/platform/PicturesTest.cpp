@@ -136,6 +136,11 @@ TEST_F(PictureFilesTest, JpegFilesAreReadAtTheSmallestScaleThatCoversTheSizeAske
     }
     EXPECT_FALSE(readJpeg(path("missing.jpg")));
     EXPECT_FALSE(readJpeg(QCoreApplication::applicationFilePath())); // not a JPEG
+    // Its last scan again and again: each scan is a pass over the whole picture.
+    const QByteArray scans = readFile(path("p.jpg")).chopped(2);
+    const QByteArray lastScan = scans.mid(scans.lastIndexOf("\xFF\xDA"));
+    ASSERT_TRUE(writeFile(path("scans.jpg"), scans + lastScan.repeated(100) + "\xFF\xD9"));
+    EXPECT_FALSE(readJpeg(path("scans.jpg")));
 }
 
 TEST_F(PictureFilesTest, MovieStillsStandTwoSecondsAndWipeFromLeftToRight) {

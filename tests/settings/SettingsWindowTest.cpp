@@ -3,6 +3,7 @@
 #include "settings/wGeneralSettings.h"
 #include "settings/wMoreSettings.h"
 #include "support/Files.h"
+#include "support/Must.h"
 
 #include <QApplication>
 #include <QFileDialog>
@@ -33,7 +34,9 @@ protected:
         m_window = m_main->showSettingsWindow();
         ASSERT_TRUE(activate(m_window));
     }
-    template <typename T = QLineEdit> T* get(const char* name) const { return m_window->findChild<T*>(name); }
+    template <typename T = QLineEdit> T* get(const char* name) const {
+        return &must(m_window->findChild<T*>(name), name);
+    }
     void retype(const char* name, const QString& text) {
         get(name)->setFocus(Qt::MouseFocusReason);
         get(name)->clear();

@@ -2,6 +2,7 @@
 #include "app/ProgramFixture.h"
 #include "slideshow/wMovie.h"
 #include "support/Files.h"
+#include "support/Must.h"
 
 #include <QListWidget>
 #include <QProgressBar>
@@ -31,14 +32,14 @@ TEST_F(ProgramTest, TheMovieWindowWorksFromTheMenuThroughTheWorkerToTheArchiveAn
         QPointer<wMovie> window = m_main->movieWindow();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
         EXPECT_EQ(window->geometry().center(), QGuiApplication::primaryScreen()->geometry().center());
-        auto* list = window->findChild<QListWidget*>("List");
+        auto* list = &must(window->findChild<QListWidget*>("List"), "List");
         ASSERT_EQ(list->count(), 2);
         EXPECT_EQ(list->item(0)->text(), "2026-03-07-21-00-00-Camera.jpg"); // by name, so by time
-        auto* bar = window->findChild<QProgressBar*>("barProgress1");
+        auto* bar = &must(window->findChild<QProgressBar*>("barProgress1"), "barProgress1");
         QStringList progress;
         QObject::connect(bar, &QProgressBar::valueChanged,
                          [&](int value) { progress << QString("%1/%2").arg(value).arg(bar->maximum()); });
-        auto* button = window->findChild<QPushButton*>("pb1");
+        auto* button = &must(window->findChild<QPushButton*>("pb1"), "pb1");
         QTest::mouseClick(button, Qt::LeftButton);
         EXPECT_FALSE(button->isEnabled());
         if (closedDuringTheWork) {

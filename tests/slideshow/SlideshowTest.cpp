@@ -146,7 +146,7 @@ TEST_F(SlideshowTest, AFailedMovieIsWarnedAboutAndThePicturesAreArchivedAnyway) 
         ASSERT_TRUE(QDir(m_root.path()).mkpath("Screen Images"));
         const std::vector<QString> files = pictures ? twoPictures() : std::vector<QString>{};
         assemble(*writer, files, m_root.filePath(destination));
-        EXPECT_EQ(m_presenter.texts().back(), warning);
+        EXPECT_EQ(m_presenter.lastText(), warning);
         const QString archive = m_root.filePath(destination + "Archive_2026-03-07-21-07");
         EXPECT_TRUE(QDir(archive).exists() && entriesIn(archive).size() == qsizetype(files.size()));
         EXPECT_TRUE(entriesIn(m_temporary.path()).isEmpty());

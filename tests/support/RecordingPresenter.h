@@ -35,6 +35,10 @@ public:
         }
         return texts;
     }
+    QString lastText() const { // empty when nothing was shown
+        std::lock_guard lock(m_mutex);
+        return m_messages.empty() ? QString() : m_messages.back().text;
+    }
 
 private:
     mutable std::mutex m_mutex;

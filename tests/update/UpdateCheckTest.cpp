@@ -1,4 +1,5 @@
 #include "support/Files.h"
+#include "support/Must.h"
 #include "support/ScriptedServer.h"
 #include "update/QtUpdateDialogs.h"
 #include "update/UpdateDialogs.h"
@@ -59,8 +60,8 @@ void pointChecksAt(const ScriptedServer& server) {
 
 // The label's text, marked where the label would read it as markup.
 QString labelOf(const QObject* window, const char* name) {
-    const auto* label = window->findChild<QLabel*>(name);
-    return (label->textFormat() == Qt::PlainText ? "" : "(markup) ") + label->text();
+    const QLabel& label = must(window->findChild<QLabel*>(name), name);
+    return (label.textFormat() == Qt::PlainText ? "" : "(markup) ") + label.text();
 }
 
 // The download window on the screen, or nullptr.
@@ -124,7 +125,10 @@ protected:
         if (QTest::qWaitFor([&] { return !m_closed.texts.isEmpty() || shown("stTitle").startsWith("Error"); },
                             20000) &&
             m_closed.texts.isEmpty()) {
-            QTest::mouseClick(shownWindow()->findChild<QPushButton*>("btnCancel"), Qt::LeftButton);
+            QTest::mouseClick(
+                &must(must(shownWindow(), "the download window").findChild<QPushButton*>("btnCancel"),
+                      "btnCancel"),
+                Qt::LeftButton);
         }
         return std::exchange(m_closed.texts, {});
     }
@@ -225,7 +229,10 @@ TEST_F(UpdateCheck, CancelKeepsWhatCameAndTheCloseBoxLetsTheDownloadGoOn) {
         ASSERT_TRUE(startDownload(server.url(), file));
         ASSERT_TRUE(QTest::qWaitFor([&] { return shown("stProgress") == "0.5MB of 0 MB"; }));
         if (file == cancelled) {
-            QTest::mouseClick(shownWindow()->findChild<QPushButton*>("btnCancel"), Qt::LeftButton);
+            QTest::mouseClick(
+                &must(must(shownWindow(), "the download window").findChild<QPushButton*>("btnCancel"),
+                      "btnCancel"),
+                Qt::LeftButton);
             EXPECT_TRUE(QTest::qWaitFor([&] { return server.servedAtLeast(1); }));
         } else {
             shownWindow()->close();

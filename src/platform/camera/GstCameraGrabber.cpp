@@ -284,20 +284,12 @@ private:
         const int rowBytes = width * 4;
         const int sourceStride = GST_VIDEO_FRAME_PLANE_STRIDE(&frame, 0);
         const auto* source = static_cast<const std::uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&frame, 0));
-        auto pixels =
-            std::make_shared<std::vector<std::uint8_t>>(static_cast<std::size_t>(rowBytes) * height);
+        std::vector<std::uint8_t> pixels(static_cast<std::size_t>(rowBytes) * height);
         for (int row = 0; row < height; ++row) {
-            std::memcpy(pixels->data() + static_cast<std::size_t>(row) * rowBytes,
+            std::memcpy(pixels.data() + static_cast<std::size_t>(row) * rowBytes,
                         source + static_cast<std::size_t>(row) * sourceStride, rowBytes);
         }
-        Picture picture;
-        picture.width = width;
-        picture.height = height;
-        picture.strideBytes = rowBytes;
-        picture.layout = PixelLayout::Bgrx32;
-        picture.bits = pixels->data();
-        picture.owner = std::move(pixels);
-        return picture;
+        return Picture::sharing(std::move(pixels), width, height, rowBytes);
     }
 
     const QString m_sourceDescription;

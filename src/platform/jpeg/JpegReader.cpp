@@ -1,5 +1,6 @@
 #include "platform/jpeg/JpegReader.h"
 
+#include "platform/FilePtr.h"
 #include "platform/jpeg/JpegErrors.h"
 
 #include <QFile>
@@ -14,20 +15,26 @@ namespace {
 constexpr long kMaxDecoderMemoryBytes = 512L << 20;
 constexpr std::uint64_t kMaxOutputPixels = std::uint64_t{1} << 26;
 constexpr int kBytesPerPixel = 4;
-
-struct CloseFile {
-    void operator()(FILE* file) const { std::fclose(file); }
-};
+// Each scan of a progressive file is a pass over the whole picture, and a file may hold any
+// number of them; writers make about ten.
+constexpr int kMaxScans = 100;
 
 // Kept on the heap, with the pixels, so that nothing the longjmp lands beside is a local changed
 // after setjmp.
 struct Decompressor {
     jpeg_decompress_struct info{};
     JpegErrorManager errors{};
+    jpeg_progress_mgr progress{};
     std::vector<std::uint8_t> pixels;
     // Safe also when creation never ran or failed half-way: info starts zeroed.
     ~Decompressor() { jpeg_destroy_decompress(&info); }
 };
+
+void stopAtScanLimit(j_common_ptr common) noexcept {
+    if (reinterpret_cast<j_decompress_ptr>(common)->input_scan_number > kMaxScans) {
+        jpegJumpOut(common);
+    }
+}
 
 void chooseScale(jpeg_decompress_struct* info, const std::function<QSize(QSize)>& coveringFor) {
     const QSize covering =
@@ -51,6 +58,8 @@ bool decode(Decompressor& d, FILE* in, const std::function<QSize(QSize)>& coveri
     }
     jpeg_create_decompress(info);
     info->mem->max_memory_to_use = kMaxDecoderMemoryBytes;
+    d.progress.progress_monitor = stopAtScanLimit;
+    info->progress = &d.progress;
     jpeg_stdio_src(info, in);
     jpeg_read_header(info, TRUE);
     info->out_color_space = JCS_EXT_BGRX;
@@ -71,7 +80,7 @@ bool decode(Decompressor& d, FILE* in, const std::function<QSize(QSize)>& coveri
 } // namespace
 
 std::optional<JpegPicture> readJpeg(const QString& path, const std::function<QSize(QSize)>& covering) {
-    const std::unique_ptr<FILE, CloseFile> in(std::fopen(QFile::encodeName(path).constData(), "rb"));
+    const FilePtr in(std::fopen(QFile::encodeName(path).constData(), "rb"));
     if (!in) {
         return std::nullopt;
     }
@@ -79,13 +88,8 @@ std::optional<JpegPicture> readJpeg(const QString& path, const std::function<QSi
     if (!decode(*d, in.get(), covering)) {
         return std::nullopt;
     }
-    auto pixels = std::make_shared<std::vector<std::uint8_t>>(std::move(d->pixels));
-    Picture picture;
-    picture.width = int(d->info.output_width);
-    picture.height = int(d->info.output_height);
-    picture.strideBytes = picture.width * kBytesPerPixel;
-    picture.layout = PixelLayout::Bgrx32;
-    picture.bits = pixels->data();
-    picture.owner = std::move(pixels);
+    const int width = int(d->info.output_width);
+    const Picture picture =
+        Picture::sharing(std::move(d->pixels), width, int(d->info.output_height), width * kBytesPerPixel);
     return JpegPicture{picture, QSize(int(d->info.image_width), int(d->info.image_height))};
 }

@@ -17,5 +17,5 @@ struct JpegPicture {
 // pixels must cover; libjpeg then decodes at the smallest of its scales 1/8 ... 8/8 whose result
 // still covers it, so that a large picture bound for a small frame never exists at full size.
 // Without it, full size. Empty when the file cannot be read, is no JPEG that libjpeg decodes to
-// colour, or needs more memory than any real picture does.
+// colour, or needs more memory or more progressive scans than any real picture does.
 std::optional<JpegPicture> readJpeg(const QString& path, const std::function<QSize(QSize)>& covering = {});

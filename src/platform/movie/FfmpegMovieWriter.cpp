@@ -1,6 +1,7 @@
 #include "platform/movie/FfmpegMovieWriter.h"
 
 #include "platform/jpeg/JpegReader.h"
+#include "platform/movie/ScalerPtr.h"
 
 #include <QFile>
 
@@ -31,9 +32,6 @@ struct FreeFrame {
 struct FreePacket {
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
 };
-struct FreeScaler {
-    void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
-};
 struct CloseInput {
     void operator()(AVFormatContext* format) const { avformat_close_input(&format); }
 };
@@ -46,7 +44,6 @@ struct CloseOutput {
 using CodecContextPtr = std::unique_ptr<AVCodecContext, FreeCodecContext>;
 using FramePtr = std::unique_ptr<AVFrame, FreeFrame>;
 using PacketPtr = std::unique_ptr<AVPacket, FreePacket>;
-using ScalerPtr = std::unique_ptr<SwsContext, FreeScaler>;
 using InputPtr = std::unique_ptr<AVFormatContext, CloseInput>;
 using OutputPtr = std::unique_ptr<AVFormatContext, CloseOutput>;
 

@@ -1,24 +1,14 @@
 #include "platform/movie/PictureScaling.h"
 
-#include <memory>
-
-extern "C" {
-#include <libswscale/swscale.h>
-}
-
-namespace {
-struct FreeScaler {
-    void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
-};
-} // namespace
+#include "platform/movie/ScalerPtr.h"
 
 bool drawScaled(const Picture& source, std::uint8_t* target, int targetStride, QRect area) {
     if (source.isNull() || source.layout != PixelLayout::Bgrx32 || area.isEmpty()) {
         return false;
     }
-    const std::unique_ptr<SwsContext, FreeScaler> scaler(
-        sws_getContext(source.width, source.height, AV_PIX_FMT_BGR0, area.width(), area.height(),
-                       AV_PIX_FMT_BGR0, SWS_BICUBIC, nullptr, nullptr, nullptr));
+    const ScalerPtr scaler(sws_getContext(source.width, source.height, AV_PIX_FMT_BGR0, area.width(),
+                                          area.height(), AV_PIX_FMT_BGR0, SWS_BICUBIC, nullptr, nullptr,
+                                          nullptr));
     if (!scaler) {
         return false;
     }
