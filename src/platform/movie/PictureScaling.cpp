@@ -1,5 +1,6 @@
 #include "platform/movie/PictureScaling.h"
 
+#include <algorithm>
 #include <memory>
 
 extern "C" {
@@ -27,4 +28,15 @@ bool drawScaled(const Picture& source, std::uint8_t* target, int targetStride, Q
     std::uint8_t* const to[] = {target + std::ptrdiff_t(area.top()) * targetStride + area.left() * 4};
     const int toStride[] = {targetStride};
     return sws_scale(scaler.get(), from, fromStride, 0, source.height, to, toStride) == area.height();
+}
+
+QRect letterboxRect(QSize picture, QSize frame) {
+    const double w = picture.width();
+    const double h = picture.height();
+    const double scale = std::min(frame.height() / h, frame.width() / w);
+    const int newWidth = static_cast<int>(w * scale);
+    const int newHeight = static_cast<int>(h * scale);
+    const int left = static_cast<int>((frame.width() - newWidth) / 2.0);
+    const int top = static_cast<int>((frame.height() - newHeight) / 2.0);
+    return QRect(left, top, newWidth, newHeight);
 }
