@@ -4,9 +4,11 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QStandardPaths>
+#include <QTemporaryFile>
 #include <QUrl>
+
+#include <cstdio>
 
 namespace {
 const QString kUriKey = QStringLiteral("Thumb::URI");
@@ -54,11 +56,14 @@ bool writeThumbnailFile(const QString& picture, qint64 mtimeSec, const QImage& t
     tagged.setText(kUriKey, thumbnailUri(picture));
     tagged.setText(kMTimeKey, QString::number(mtimeSec));
     tagged.setText(QStringLiteral("Software"), QStringLiteral("Kestrelview"));
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || !file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) ||
-        !tagged.save(&file, "png")) {
-        file.cancelWriting();
+    // Made 0600 beside its place; rename(2) puts it there in one step, over a stale one too. A
+    // cache needs no wait for the disk.
+    QTemporaryFile file(path + QStringLiteral(".XXXXXX"));
+    if (!file.open() || !tagged.save(&file, "png") || !file.flush() ||
+        std::rename(QFile::encodeName(file.fileName()).constData(), QFile::encodeName(path).constData()) !=
+            0) {
         return false;
     }
-    return file.commit();
+    file.setAutoRemove(false);
+    return true;
 }
