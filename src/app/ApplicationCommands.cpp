@@ -6,7 +6,10 @@
 #include "base/DialogWindow.h"
 #include "base/mProgramInfo.h"
 #include "feedback/DockIcon.h"
+#include "history/wHistory.h"
+#include "platform/filemanager/FileManager.h"
 #include "schedule/WaitReason.h"
+#include "settings/mGeneralSettings.h"
 
 #include <QApplication>
 #include <QPointer>
@@ -18,6 +21,7 @@ void _ApplicationAddMenuHandlers(MenuHandlers& handlers, wMain& window) {
                             [main] { return main && _ToolsShowMainWindow_Action(*main); });
     handlers.AddMenuHandler("ToolsHideMainWindow",
                             [main] { return main && _ToolsHideMainWindow_Action(*main); });
+    handlers.AddMenuHandler("ToolsHistory", _ToolsHistory_Action);
     // With the main window hidden, closing any other window must not end the program: only the
     // main window's close does.
     QApplication::setQuitOnLastWindowClosed(false);
@@ -30,6 +34,17 @@ bool _ToolsShowMainWindow_Action(wMain& window) {
 
 bool _ToolsHideMainWindow_Action(wMain& window) {
     window.hide();
+    return true;
+}
+
+bool _ToolsHistory_Action() {
+    static QPointer<wHistory> window;
+    if (window.isNull()) {
+        window = new wHistory([] { return mGeneralSettings::current().pDestination; }, makeFileManager());
+        // Its workers are joined before the program's own threads go.
+        QObject::connect(qApp, &QCoreApplication::aboutToQuit, window, [] { delete window.data(); });
+    }
+    bringToFront(window);
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "app/CommandLine.h"
 
 #include "base/mProgramInfo.h"
+#include "history/TimelapseCommand.h"
 
 #include <QCommandLineParser>
 #include <QFileInfo>
@@ -21,6 +22,8 @@ constexpr std::array kCommandOptions{
     CommandOption{"capture-now", "Take one set of pictures now.", SessionCommand::CaptureNow},
     CommandOption{"pause", "Pause the capture schedule.", SessionCommand::Pause},
     CommandOption{"resume", "Resume the capture schedule.", SessionCommand::Resume},
+    CommandOption{"history", "Open the history window of the running program, or start the program with it.",
+                  SessionCommand::ShowHistory},
     CommandOption{"quit", "Close the running program as its main window's close does.", SessionCommand::Quit},
 };
 
@@ -51,6 +54,7 @@ CommandLine parseCommandLine(const QStringList& arguments) {
         parser.addOption(QCommandLineOption(option.name, option.description));
     }
     parser.addOption(autostart);
+    addTimelapseOptions(parser);
     if (!parser.parse(arguments)) {
         return failure(parser.errorText());
     }
@@ -71,6 +75,15 @@ CommandLine parseCommandLine(const QStringList& arguments) {
                       mProgramInfo::pProgramName + ' ' + mProgramInfo::pProgramVersion + '\n');
     }
     CommandLine line;
+    const auto timelapse = readTimelapseOptions(parser);
+    if (const auto* error = std::get_if<QString>(&timelapse)) {
+        return failure(*error);
+    }
+    if (const auto* options = std::get_if<TimelapseOptions>(&timelapse)) {
+        line.action = CommandLine::Action::MakeTimelapse;
+        line.timelapse = *options;
+        return line;
+    }
     for (const CommandOption& option : kCommandOptions) {
         if (parser.isSet(option.name)) {
             if (line.command) {

@@ -23,6 +23,7 @@ constexpr std::array kMenuBar{
     MenuEntry{"ToolsShowMainWindow", "ToolsMenu", "Show Main Window", "", Command},
     MenuEntry{"UntitledSeparator1", "ToolsMenu", "-", "", Separator},
     MenuEntry{"ToolsCreateSlideshowMovie", "ToolsMenu", "Create Slideshow Movie", "", Command},
+    MenuEntry{"ToolsHistory", "ToolsMenu", "History ...", "", Command},
     MenuEntry{"Help", nullptr, "Help", "", Menu},
     MenuEntry{"QVTPreferences", "Help", "Preferences", "", Command},
     MenuEntry{"HelpAbout", "Help", "About Kestrelview", "", Command},

@@ -18,6 +18,9 @@ void carryOut(wMain& window, SessionCommand command) {
     case SessionCommand::Resume:
         window.setPaused(command == SessionCommand::Pause);
         return;
+    case SessionCommand::ShowHistory:
+        _ToolsHistory_Action();
+        return;
     case SessionCommand::Quit:
         // The same road as the close box, whatever the close does on its way.
         window.close();

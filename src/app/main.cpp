@@ -1,6 +1,7 @@
 #include "app/Autostart.h"
 #include "app/CommandLine.h"
 #include "app/Program.h"
+#include "history/TimelapseCommand.h"
 #include "platform/session/InstanceLock.h"
 
 #include <QCoreApplication>
@@ -29,6 +30,8 @@ int main(int argc, char** argv) {
         const QCoreApplication app(argc, argv);
         return setAutostart(line.autostart) ? 0 : 1;
     }
+    case CommandLine::Action::MakeTimelapse:
+        return runTimelapseCommand(argc, argv, *line.timelapse);
     case CommandLine::Action::Status:
     case CommandLine::Action::Run:
         break;

@@ -13,7 +13,7 @@ TEST(CommandLine, EachOptionAsksForOneThing) {
     using enum SessionCommand;
     const std::pair<const char*, std::optional<SessionCommand>> runs[] = {
         {"", std::nullopt}, {"--show", Show},     {"--hide", Hide}, {"--capture-now", CaptureNow},
-        {"--pause", Pause}, {"--resume", Resume}, {"--quit", Quit}};
+        {"--pause", Pause}, {"--resume", Resume}, {"--quit", Quit}, {"--history", ShowHistory}};
     for (const auto& [arguments, command] : runs) {
         EXPECT_TRUE(parse(arguments).action == CommandLine::Action::Run &&
                     parse(arguments).command == command)

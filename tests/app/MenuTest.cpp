@@ -68,6 +68,7 @@ TEST_F(MenuTest, ItemsAreLiveWhereTheirHandlersAreBoundAndQuitKeepsThePlaceAfter
                                                          {"HelpVisitourWebsite", true, false},
                                                          {"ToolsShowMainWindow", true, true},
                                                          {"ToolsHideMainWindow", true, true},
+                                                         {"ToolsHistory", true, true},
                                                          {"FileQuit", true, true},
                                                          {"Help", true, true},
                                                          {"EditCopy", false, false},

@@ -153,6 +153,8 @@ TEST_F(History, ThumbnailsComeFromTheSharedCacheWhileItIsFresh) {
         file.setFileTime(QDateTime::currentDateTime().addSecs(-100), QFileDevice::FileModificationTime));
     file.close();
     EXPECT_TRUE(closeTo(loadThumbnail(picture).pixelColor(200, 60), Qt::blue, 8));
+    EXPECT_EQ(QImage(cached).text("Thumb::MTime").toLongLong(),
+              QFileInfo(picture).lastModified().toSecsSinceEpoch());
 
     ASSERT_TRUE(writeFile(path("broken.jpg"), "\xff\xd8\xff garbage"));
     EXPECT_TRUE(loadThumbnail(path("broken.jpg")).isNull());

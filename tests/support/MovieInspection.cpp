@@ -5,6 +5,8 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <algorithm>
+
 namespace {
 QByteArray run(const QString& program, const QStringList& arguments) {
     QProcess process;
@@ -19,19 +21,21 @@ std::optional<MovieInspection> inspectMovie(const QString& path) {
     const QStringList values =
         QString::fromUtf8(
             run("ffprobe", {"-v", "error", "-select_streams", "v:0", "-count_packets", "-show_entries",
-                            "stream=codec_name,width,height,pix_fmt,duration,nb_read_packets", "-of",
-                            "default=noprint_wrappers=1:nokey=1", path}))
+                            "stream=codec_name,width,height,pix_fmt,r_frame_rate,duration,nb_read_packets",
+                            "-of", "default=noprint_wrappers=1:nokey=1", path}))
             .split('\n');
-    if (values.size() < 6) {
+    if (values.size() < 7) {
         return std::nullopt;
     }
     const QByteArray bytes = readFile(path);
+    const QStringList rate = values[4].split('/');
     return MovieInspection{values[0],
                            values[3],
                            QSize(values[1].toInt(), values[2].toInt()),
-                           values[4].toDouble(),
-                           values[5].toInt(),
-                           bytes.indexOf("moov") < bytes.indexOf("mdat")};
+                           values[5].toDouble(),
+                           values[6].toInt(),
+                           bytes.indexOf("moov") < bytes.indexOf("mdat"),
+                           rate.value(0).toDouble() / std::max(1.0, rate.value(1).toDouble())};
 }
 
 QImage movieFrameAt(const QString& path, double seconds) {

@@ -14,6 +14,7 @@ struct MovieInspection {
     double durationSec = 0;
     int packets = 0;
     bool indexInFront = false; // the moov atom before the mdat atom
+    double framesPerSecond = 0;
 };
 std::optional<MovieInspection> inspectMovie(const QString& path);
 // What ffmpeg shows at `seconds`: the last frame that starts at or before it; null on failure.

@@ -1,9 +1,8 @@
 #include "platform/movie/FfmpegMovieWriter.h"
 
 #include "platform/jpeg/JpegReader.h"
-#include "platform/movie/ScalerPtr.h"
-
-#include <QFile>
+#include "platform/movie/FfmpegMovieOutput.h"
+#include "platform/movie/PictureScaling.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -11,118 +10,43 @@
 #include <cstring>
 #include <optional>
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-#include <libavutil/opt.h>
-#include <libswscale/swscale.h>
-}
-
 namespace {
-constexpr const char* kEncoderName = "libx264";
-constexpr const char* kMuxerName = "mov";
-constexpr AVPixelFormat kPixelFormat = AV_PIX_FMT_YUV420P;
+using namespace ffmpeg;
 
-struct FreeCodecContext {
-    void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
-};
-struct FreeFrame {
-    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-};
-struct FreePacket {
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-};
-struct CloseInput {
-    void operator()(AVFormatContext* format) const { avformat_close_input(&format); }
-};
-struct CloseOutput {
-    void operator()(AVFormatContext* format) const {
-        avio_closep(&format->pb);
-        avformat_free_context(format);
-    }
-};
-using CodecContextPtr = std::unique_ptr<AVCodecContext, FreeCodecContext>;
-using FramePtr = std::unique_ptr<AVFrame, FreeFrame>;
-using PacketPtr = std::unique_ptr<AVPacket, FreePacket>;
-using InputPtr = std::unique_ptr<AVFormatContext, CloseInput>;
-using OutputPtr = std::unique_ptr<AVFormatContext, CloseOutput>;
+// Black in the limited range of the movie's yuv420p.
+constexpr int kBlackLuma = 16;
+constexpr int kNeutralChroma = 128;
 
-// Carries a failure's number out to the public call, which returns it.
-struct Failure {
-    int code;
-};
-
-int check(int result) {
-    if (result < 0) {
-        throw Failure{result};
-    }
-    return result;
-}
-
-template <typename T> T* made(T* object) {
-    if (object == nullptr) {
-        throw Failure{AVERROR(ENOMEM)};
-    }
-    return object;
-}
-
-QByteArray fileName(const QString& path) {
-    return QFile::encodeName(path);
-}
-
-FramePtr newFrame(int width, int height) {
-    FramePtr frame(made(av_frame_alloc()));
-    frame->format = kPixelFormat;
-    frame->width = width;
-    frame->height = height;
-    check(av_frame_get_buffer(frame.get(), 0));
-    return frame;
-}
-
-InputPtr openInput(const QString& path) {
-    AVFormatContext* raw = nullptr;
-    // Only as a QuickTime file: the libraries would open a single picture as a movie too.
-    check(avformat_open_input(&raw, fileName(path).constData(), av_find_input_format(kMuxerName), nullptr));
-    InputPtr input(raw);
-    check(avformat_find_stream_info(input.get(), nullptr));
-    return input;
-}
-
-OutputPtr openOutput(const QString& path) {
-    AVFormatContext* raw = nullptr;
-    check(avformat_alloc_output_context2(&raw, nullptr, kMuxerName, fileName(path).constData()));
-    OutputPtr output(raw);
-    check(avio_open(&output->pb, fileName(path).constData(), AVIO_FLAG_WRITE));
-    return output;
-}
-
-// The muxer's options go in as text; an option it does not take is an error rather than ignored.
-void writeHeader(AVFormatContext* output, int videoTimeScale, const char* movFlags) {
-    AVDictionary* options = nullptr;
-    av_dict_set_int(&options, "video_track_timescale", videoTimeScale, 0);
-    if (movFlags != nullptr) {
-        av_dict_set(&options, "movflags", movFlags, 0);
-    }
-    const int result = avformat_write_header(output, &options);
-    const bool leftOver = av_dict_count(options) > 0;
-    av_dict_free(&options);
-    check(result);
-    if (leftOver) {
-        throw Failure{AVERROR_OPTION_NOT_FOUND};
+void fillBlack(AVFrame& frame) {
+    for (int plane = 0; plane < 3; ++plane) {
+        const int rows = plane == 0 ? frame.height : (frame.height + 1) / 2;
+        std::memset(frame.data[plane], plane == 0 ? kBlackLuma : kNeutralChroma,
+                    std::size_t(frame.linesize[plane]) * std::size_t(rows));
     }
 }
 
-// Each picture, brought to the movie's size and pixel format once.
+// Each picture, brought to the movie's size and pixel format once: scaled into `area` of a
+// frame of `size`, the rest of it black. The area lies on even pixels, as the chroma samples do.
 class Converter {
 public:
-    FramePtr toFrame(const Picture& picture, int width, int height) {
-        m_scaler.reset(
-            made(sws_getCachedContext(m_scaler.release(), picture.width, picture.height, AV_PIX_FMT_BGR0,
-                                      width, height, kPixelFormat, SWS_BICUBIC, nullptr, nullptr, nullptr)));
-        FramePtr frame = newFrame(width, height);
+    FramePtr toFrame(const Picture& picture, QSize size, QRect area) {
+        m_scaler.reset(made(sws_getCachedContext(m_scaler.release(), picture.width, picture.height,
+                                                 AV_PIX_FMT_BGR0, area.width(), area.height(), kPixelFormat,
+                                                 SWS_BICUBIC, nullptr, nullptr, nullptr)));
+        FramePtr frame = newFrame(size.width(), size.height());
+        if (area.size() != size) {
+            fillBlack(*frame);
+        }
+        std::uint8_t* target[3];
+        for (int plane = 0; plane < 3; ++plane) {
+            const int shift = plane == 0 ? 0 : 1;
+            target[plane] = frame->data[plane] +
+                            std::ptrdiff_t(area.top() >> shift) * frame->linesize[plane] +
+                            (area.left() >> shift);
+        }
         const std::uint8_t* const source[] = {picture.bits};
         const int sourceStride[] = {picture.strideBytes};
-        sws_scale(m_scaler.get(), source, sourceStride, 0, picture.height, frame->data, frame->linesize);
+        sws_scale(m_scaler.get(), source, sourceStride, 0, picture.height, target, frame->linesize);
         return frame;
     }
 
@@ -130,88 +54,19 @@ private:
     ScalerPtr m_scaler;
 };
 
-// The encoder and the QuickTime file it writes into. Each packet is held back until the next
-// one comes, so that its duration is known: a still stands until the first frame of its wipe.
-class MovieOutput {
-public:
-    MovieOutput(const QString& path, int width, int height, int timeScale)
-        : m_format(openOutput(path))
-        , m_packet(made(av_packet_alloc()))
-        , m_held(made(av_packet_alloc())) {
-        const AVCodec* codec = avcodec_find_encoder_by_name(kEncoderName);
-        if (codec == nullptr) {
-            throw Failure{AVERROR_ENCODER_NOT_FOUND};
-        }
-        m_codec.reset(made(avcodec_alloc_context3(codec)));
-        m_codec->width = width;
-        m_codec->height = height;
-        m_codec->pix_fmt = kPixelFormat;
-        m_codec->time_base = AVRational{1, timeScale};
-        m_codec->framerate = AVRational{kWipeFramesPerSecond, 1};
-        m_codec->color_range = AVCOL_RANGE_MPEG;
-        m_codec->colorspace = AVCOL_SPC_SMPTE170M;
-        m_codec->thread_count = 0;
-        if ((m_format->oformat->flags & AVFMT_GLOBALHEADER) != 0) {
-            m_codec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-        }
-        // Ultrafast keeps to the constrained baseline profile, which every player decodes.
-        check(av_opt_set(m_codec->priv_data, "preset", "ultrafast", 0));
-        check(av_opt_set(m_codec->priv_data, "forced-idr", "1", 0));
-        check(avcodec_open2(m_codec.get(), codec, nullptr));
-        m_stream = made(avformat_new_stream(m_format.get(), nullptr));
-        check(avcodec_parameters_from_context(m_stream->codecpar, m_codec.get()));
-        m_stream->time_base = m_codec->time_base;
-        writeHeader(m_format.get(), timeScale, nullptr);
-    }
+QRect evenRect(const QRect& area) {
+    return QRect(area.left() & ~1, area.top() & ~1, std::max(2, area.width() & ~1),
+                 std::max(2, area.height() & ~1));
+}
 
-    void write(AVFrame& frame, std::int64_t pts, bool key) {
-        frame.pts = pts;
-        frame.pict_type = key ? AV_PICTURE_TYPE_I : AV_PICTURE_TYPE_NONE;
-        check(avcodec_send_frame(m_codec.get(), &frame));
-        drain();
+// A slideshow's pictures come at the movie's size and fill it; a movie of a set size has each
+// picture decoded no larger than its place and centred on black.
+std::optional<JpegPicture> decodeFor(const QString& file, const MovieRequest& request) {
+    if (request.frameSize.isEmpty()) {
+        return readJpeg(file);
     }
-
-    // The last frame stands until `endPts`.
-    void finish(std::int64_t endPts) {
-        check(avcodec_send_frame(m_codec.get(), nullptr));
-        drain();
-        if (m_holding) {
-            writeHeld(endPts);
-        }
-        check(av_write_trailer(m_format.get()));
-    }
-
-private:
-    void drain() {
-        for (;;) {
-            const int result = avcodec_receive_packet(m_codec.get(), m_packet.get());
-            if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) {
-                return;
-            }
-            check(result);
-            if (m_holding) {
-                writeHeld(m_packet->pts);
-            }
-            av_packet_move_ref(m_held.get(), m_packet.get());
-            m_holding = true;
-        }
-    }
-
-    void writeHeld(std::int64_t nextPts) {
-        m_held->duration = nextPts - m_held->pts;
-        m_held->stream_index = m_stream->index;
-        av_packet_rescale_ts(m_held.get(), m_codec->time_base, m_stream->time_base);
-        m_holding = false;
-        check(av_interleaved_write_frame(m_format.get(), m_held.get()));
-    }
-
-    OutputPtr m_format;
-    CodecContextPtr m_codec;
-    AVStream* m_stream = nullptr;
-    PacketPtr m_packet;
-    PacketPtr m_held;
-    bool m_holding = false;
-};
+    return readJpeg(file, [&request](QSize full) { return letterboxRect(full, request.frameSize).size(); });
+}
 
 // The frame at `edge` columns into a left-to-right wipe: `to` left of the edge, `from` right of
 // it. The edge is even, so that it falls on a chroma sample too.
@@ -272,29 +127,49 @@ private:
         std::int64_t pts = 0;
         const int total = int(request.mediaFiles.size());
         for (int index = 0; index < total; ++index) {
-            const std::optional<JpegPicture> decoded = readJpeg(request.mediaFiles[std::size_t(index)]);
+            const std::optional<JpegPicture> decoded =
+                decodeFor(request.mediaFiles[std::size_t(index)], request);
             if (!decoded) {
                 throw Failure{-EIO};
             }
-            const Picture* picture = &decoded->pixels;
             if (!output) {
-                // yuv420p wants even sides; the movie takes its size from the first picture.
-                output.emplace(request.target, picture->width & ~1, picture->height & ~1, request.timeScale);
-                scratch = newFrame(picture->width & ~1, picture->height & ~1);
+                // yuv420p wants even sides; without a set size the movie takes the first picture's.
+                const QSize size = request.frameSize.isEmpty()
+                                       ? QSize(decoded->pixels.width, decoded->pixels.height)
+                                       : request.frameSize;
+                output.emplace(request.target, size.width() & ~1, size.height() & ~1, request.timeScale,
+                               frameRateOf(request));
+                scratch = newFrame(size.width() & ~1, size.height() & ~1);
             }
-            FramePtr current = converter.toFrame(*picture, scratch->width, scratch->height);
+            const QSize frame(scratch->width, scratch->height);
+            const QRect area = request.frameSize.isEmpty()
+                                   ? QRect(QPoint(), frame)
+                                   : evenRect(letterboxRect(decoded->fullSize, frame));
+            FramePtr current = converter.toFrame(decoded->pixels, frame, area);
             if (previous) {
                 writeWipe(*output, *previous, *current, *scratch, pts, request);
                 pts += request.effectDuration;
             }
-            output->write(*current, pts, true);
+            // A still between wipes is a key frame, so that a player can seek to each picture.
+            output->write(*current, pts, request.effectDuration > 0);
             pts += request.stillDuration;
             previous = std::move(current);
             if (nextFile) {
                 nextFile(index + 1, total);
             }
+            if (request.cancelled != nullptr && request.cancelled->load()) {
+                throw Failure{-ECANCELED};
+            }
         }
         output->finish(pts);
+    }
+
+    // With wipes, the wipes' rate; without, one frame a still.
+    static AVRational frameRateOf(const MovieRequest& request) {
+        if (request.effectDuration > 0 || request.stillDuration < 1) {
+            return AVRational{kWipeFramesPerSecond, 1};
+        }
+        return AVRational{request.timeScale, request.stillDuration};
     }
 
     // The frames strictly between the two stills; the wipe's first frame would repeat the still
@@ -342,7 +217,8 @@ private:
 
 bool ffmpegCanWriteMovies() {
     return avcodec_find_encoder_by_name(kEncoderName) != nullptr &&
-           av_guess_format(kMuxerName, nullptr, nullptr) != nullptr;
+           av_guess_format("mov", nullptr, nullptr) != nullptr &&
+           av_guess_format("mp4", nullptr, nullptr) != nullptr;
 }
 
 std::unique_ptr<MovieWriter> makeFfmpegMovieWriter() {

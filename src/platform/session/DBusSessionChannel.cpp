@@ -16,6 +16,8 @@ QString methodOf(SessionCommand command) {
         return QStringLiteral("Pause");
     case SessionCommand::Resume:
         return QStringLiteral("Resume");
+    case SessionCommand::ShowHistory:
+        return QStringLiteral("ShowHistory");
     case SessionCommand::Quit:
         break;
     }
@@ -90,6 +92,10 @@ void DBusSessionChannel::Quit() {
 // Answered at once: reading the state changes nothing.
 QString DBusSessionChannel::Status() {
     return m_status ? m_status() : QString();
+}
+
+void DBusSessionChannel::ShowHistory() {
+    deliver(SessionCommand::ShowHistory);
 }
 
 // The caller has its answer before the command runs, so a quit does not leave it waiting.

@@ -32,6 +32,7 @@ public slots:
     Q_SCRIPTABLE void Resume();
     Q_SCRIPTABLE void Quit();
     Q_SCRIPTABLE QString Status();
+    Q_SCRIPTABLE void ShowHistory();
 
 private:
     void deliver(SessionCommand command);

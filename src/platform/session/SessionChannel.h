@@ -7,7 +7,7 @@
 #include <optional>
 
 // What a later start of the program can ask of the running one.
-enum class SessionCommand { Show, Hide, CaptureNow, Pause, Resume, Quit };
+enum class SessionCommand { Show, Hide, CaptureNow, Pause, Resume, Quit, ShowHistory };
 
 // The channel between the running instance and a later start in the same user session.
 class SessionChannel {
