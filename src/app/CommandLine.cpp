@@ -37,6 +37,8 @@ CommandLine ending(CommandLine::Action action, const QString& text) {
 CommandLine failure(const QString& text) {
     return ending(CommandLine::Action::Error, text);
 }
+
+CommandLine forRunningProgram(const QCommandLineParser& parser, const QCommandLineOption& autostart);
 } // namespace
 
 CommandLine parseCommandLine(const QStringList& arguments) {
@@ -74,16 +76,22 @@ CommandLine parseCommandLine(const QStringList& arguments) {
         return ending(CommandLine::Action::Print,
                       mProgramInfo::pProgramName + ' ' + mProgramInfo::pProgramVersion + '\n');
     }
-    CommandLine line;
     const auto timelapse = readTimelapseOptions(parser);
     if (const auto* error = std::get_if<QString>(&timelapse)) {
         return failure(*error);
     }
     if (const auto* options = std::get_if<TimelapseOptions>(&timelapse)) {
-        line.action = CommandLine::Action::MakeTimelapse;
+        CommandLine line = ending(CommandLine::Action::MakeTimelapse, {});
         line.timelapse = *options;
         return line;
     }
+    return forRunningProgram(parser, autostart);
+}
+
+namespace {
+// What a start asks of the running program, or of the login: one option at a time.
+CommandLine forRunningProgram(const QCommandLineParser& parser, const QCommandLineOption& autostart) {
+    CommandLine line;
     for (const CommandOption& option : kCommandOptions) {
         if (parser.isSet(option.name)) {
             if (line.command) {
@@ -102,3 +110,4 @@ CommandLine parseCommandLine(const QStringList& arguments) {
     }
     return line;
 }
+} // namespace

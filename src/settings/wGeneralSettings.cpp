@@ -81,6 +81,20 @@ bool lostFocus(const QEvent* event) {
     const Qt::FocusReason reason = static_cast<const QFocusEvent*>(event)->reason();
     return reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason;
 }
+
+// The camera size's three radio buttons, their ids the sizes' order.
+QButtonGroup* makeCamImgSizeButtons(QWidget* parent) {
+    auto* group = new QButtonGroup(parent);
+    const std::array<std::pair<const char*, QRect>, 3> radios{
+        {{"Small", {156, 418, 60, 20}}, {"Medium", {228, 418, 79, 20}}, {"Large", {319, 418, 79, 20}}}};
+    for (int index = 0; index < int(radios.size()); ++index) {
+        auto* radio = new QRadioButton(radios[index].first, parent);
+        radio->setObjectName(QString("rb1_%1").arg(index));
+        radio->setGeometry(radios[index].second);
+        group->addButton(radio, index);
+    }
+    return group;
+}
 } // namespace
 
 // Controls are made in reading order, row by row, which is also the order of the Tab key.
@@ -111,15 +125,7 @@ wGeneralSettings::wGeneralSettings(ScheduleSuspension& suspension)
     m_edtTextToSpeak->setGeometry(132, 385, 370, 21);
     m_edtTextToSpeak->setMaxLength(50);
     makeLabel(this, "sttCamImgSize", "Camera Image Size", {20, 418, 124, 20});
-    m_rb1 = new QButtonGroup(this);
-    const std::array<std::pair<const char*, QRect>, 3> radios{
-        {{"Small", {156, 418, 60, 20}}, {"Medium", {228, 418, 79, 20}}, {"Large", {319, 418, 79, 20}}}};
-    for (int index = 0; index < int(radios.size()); ++index) {
-        auto* radio = new QRadioButton(radios[index].first, this);
-        radio->setObjectName(QString("rb1_%1").arg(index));
-        radio->setGeometry(radios[index].second);
-        m_rb1->addButton(radio, index);
-    }
+    m_rb1 = makeCamImgSizeButtons(this);
     QLabel* restart =
         makeLabel(this, "sttRestart", "(Image Size Setting Changes Require the Program to be Restarted ...)",
                   {20, 448, 482, 20});
