@@ -12,6 +12,7 @@
 
 #include <fcntl.h>
 #include <malloc.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "platform/jpeg/JpegErrors.h"
@@ -76,6 +77,12 @@ struct CloseFile {
     void operator()(FILE* file) const { std::fclose(file); }
 };
 
+// A file that replaces another takes its permissions, so that a private file stays private.
+mode_t permissionsFor(const QByteArray& finalPath) {
+    struct stat status {};
+    return ::stat(finalPath.constData(), &status) == 0 ? status.st_mode & 07777 : 0666;
+}
+
 // A file beside its final place that nobody else takes for a picture: hidden, and not ending in
 // .jpg. Removed again unless it is renamed into place.
 class PartFile {
@@ -87,7 +94,8 @@ public:
             const QByteArray path =
                 QFile::encodeName(target.path() + "/." + target.fileName() + "." +
                                   QString::number(::getpid()) + "-" + QString::number(counter++) + ".part");
-            const int fd = ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+            const int fd =
+                ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, permissionsFor(finalPath));
             if (fd < 0) {
                 if (errno == EEXIST) {
                     continue;
@@ -115,7 +123,9 @@ public:
     FILE* stream() const { return m_stream.get(); }
 
     bool renameTo(const QByteArray& finalPath) {
-        const bool written = std::fflush(m_stream.get()) == 0 && std::ferror(m_stream.get()) == 0;
+        // On the disk before the rename, so that a power cut leaves the old state, never an empty file.
+        const bool written = std::fflush(m_stream.get()) == 0 && std::ferror(m_stream.get()) == 0 &&
+                             ::fsync(::fileno(m_stream.get())) == 0;
         const bool closed = std::fclose(m_stream.release()) == 0;
         m_renamed = written && closed && std::rename(m_path.constData(), finalPath.constData()) == 0;
         return m_renamed;
