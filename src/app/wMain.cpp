@@ -187,20 +187,22 @@ void wMain::AddMenuHandlers() {
 // A window that suspends the schedule answers false, so that an application handler could still
 // have its turn.
 bool wMain::_QVTPreferences_Action() {
-    fxWindowTransition(this, TransitionEffect::Flip, TransitionSide::Left, 1, 0, [window = QPointer<wMain>(this)] {
-        if (window) {
-            window->showSettingsWindow();
-        }
-    });
+    fxWindowTransition(this, TransitionEffect::Flip, TransitionSide::Left, 1, 0,
+                       [window = QPointer<wMain>(this)] {
+                           if (window) {
+                               window->showSettingsWindow();
+                           }
+                       });
     return false;
 }
 
 bool wMain::_HelpAbout_Action() {
-    fxWindowTransition(this, TransitionEffect::Flip, TransitionSide::Left, 1, 0, [window = QPointer<wMain>(this)] {
-        if (window) {
-            bringToFront(window->aboutWindow());
-        }
-    });
+    fxWindowTransition(this, TransitionEffect::Flip, TransitionSide::Left, 1, 0,
+                       [window = QPointer<wMain>(this)] {
+                           if (window) {
+                               bringToFront(window->aboutWindow());
+                           }
+                       });
     return false;
 }
 
