@@ -132,7 +132,7 @@ void wMain::installMenuBar(QMenuBar* bar) {
 }
 
 void wMain::captureNow() {
-    if (!m_closing) {
+    if (!m_closing.started()) {
         timSnapShot_Action();
     }
 }
@@ -150,20 +150,16 @@ void wMain::suspensionChanged() {
     });
 }
 
-// The window goes once its effect has played, or at once where the effect is refused; the
-// schedule rests meanwhile, so that no capture starts while the program ends.
+// The schedule rests while the closing effect plays, so that no capture starts while the
+// program ends.
 void wMain::closeEvent(QCloseEvent* event) {
-    if (!m_closing) {
-        m_closing = true;
-        m_timCountDown.setEnabled(false);
-        m_timSnapShot.setEnabled(false);
-        fxWindowTransition(this, "WarpFade", "Right", 1, 0, [window = QPointer<wMain>(this)] {
-            if (window) {
-                window->finishClosing();
-            }
-        });
-    }
-    event->setAccepted(m_closed);
+    m_closing.handle(
+        event,
+        [this] {
+            m_timCountDown.setEnabled(false);
+            m_timSnapShot.setEnabled(false);
+        },
+        [this] { finishClosing(); });
 }
 
 void wMain::finishClosing() {
@@ -175,8 +171,6 @@ void wMain::finishClosing() {
         mScreenSettings::SavePrefs({frame.height() - menuBarHeight(), frame.width(),
                                     known ? frame.x() : stored.pWinLeft, known ? frame.y() : stored.pWinTop});
     });
-    m_closed = true;
-    close();
     QCoreApplication::quit();
 }
 
@@ -193,20 +187,22 @@ void wMain::AddMenuHandlers() {
 // A window that suspends the schedule answers false, so that an application handler could still
 // have its turn.
 bool wMain::_QVTPreferences_Action() {
-    fxWindowTransition(this, "Flip", "Left", 1, 0, [window = QPointer<wMain>(this)] {
-        if (window) {
-            window->showSettingsWindow();
-        }
-    });
+    fxWindowTransition(this, TransitionEffect::Flip, TransitionSide::Left, 1, 0,
+                       [window = QPointer<wMain>(this)] {
+                           if (window) {
+                               window->showSettingsWindow();
+                           }
+                       });
     return false;
 }
 
 bool wMain::_HelpAbout_Action() {
-    fxWindowTransition(this, "Flip", "Left", 1, 0, [window = QPointer<wMain>(this)] {
-        if (window) {
-            bringToFront(window->aboutWindow());
-        }
-    });
+    fxWindowTransition(this, TransitionEffect::Flip, TransitionSide::Left, 1, 0,
+                       [window = QPointer<wMain>(this)] {
+                           if (window) {
+                               bringToFront(window->aboutWindow());
+                           }
+                       });
     return false;
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/MenuHandlers.h"
 #include "base/SingleWindow.h"
+#include "feedback/CloseAfterEffect.h"
 #include "schedule/CaptureSchedule.h"
 #include "schedule/QtScheduleTimer.h"
 #include "schedule/ScheduleHost.h"
@@ -102,6 +103,5 @@ private:
     SingleWindow<wAbout> m_about;
     SingleWindow<wGeneralSettings> m_settings;
     SingleWindow<wMovie> m_movie;
-    bool m_closing = false;
-    bool m_closed = false;
+    CloseAfterEffect m_closing{*this, TransitionEffect::WarpFade, TransitionSide::Right};
 };

@@ -1,12 +1,9 @@
 #pragma once
 
+#include "feedback/WindowTransition.h"
+
 #include <QPixmap>
 #include <QWidget>
-
-// The effects that a transition request's type numbers stand for.
-enum class TransitionEffect { WarpFade, Flip, Cube };
-// The side an effect moves toward, from the request's option numbers.
-enum class TransitionSide { Up, Down, Left, Right };
 
 // Covers a window for the length of a transition and paints the window's own picture through
 // the effect, from the whole window (progress 0) through the effect and back to the whole

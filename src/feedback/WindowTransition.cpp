@@ -16,51 +16,27 @@
 #include <utility>
 
 namespace {
-struct NamedCode {
-    const char* name;
-    int code;
+template <typename T> struct Word {
+    const char* word;
+    T value;
 };
 
-// A transition request's numbers; "Up" is 8 while the other sides run 0 to 2, and that is no slip.
-constexpr std::array kStyleCodes{NamedCode{"WarpFade", 5}, NamedCode{"Flip", 9}, NamedCode{"Cube", 7}};
-constexpr std::array kDirectionCodes{NamedCode{"Up", 8}, NamedCode{"Down", 0}, NamedCode{"Left", 1},
-                                     NamedCode{"Right", 2}};
+// The program's words for its effects and sides, which calls by name go through.
+constexpr std::array kEffectWords{Word<TransitionEffect>{"WarpFade", TransitionEffect::WarpFade},
+                                  Word<TransitionEffect>{"Flip", TransitionEffect::Flip},
+                                  Word<TransitionEffect>{"Cube", TransitionEffect::Cube}};
+constexpr std::array kSideWords{
+    Word<TransitionSide>{"Up", TransitionSide::Up}, Word<TransitionSide>{"Down", TransitionSide::Down},
+    Word<TransitionSide>{"Left", TransitionSide::Left}, Word<TransitionSide>{"Right", TransitionSide::Right}};
 
-template <std::size_t N>
-std::optional<int> lookUp(const std::array<NamedCode, N>& table, const QString& name) {
-    for (const NamedCode& entry : table) {
-        if (name.compare(QLatin1String(entry.name), Qt::CaseInsensitive) == 0) {
-            return entry.code;
+template <typename T, std::size_t N>
+std::optional<T> named(const std::array<Word<T>, N>& table, const QString& name) {
+    for (const Word<T>& entry : table) {
+        if (name.compare(QLatin1String(entry.word), Qt::CaseInsensitive) == 0) {
+            return entry.value;
         }
     }
     return std::nullopt;
-}
-
-// A type number with no effect behind it is refused.
-std::optional<TransitionEffect> effectFor(int type) {
-    switch (type) {
-    case 5:
-        return TransitionEffect::WarpFade;
-    case 9:
-        return TransitionEffect::Flip;
-    case 7:
-        return TransitionEffect::Cube;
-    default:
-        return std::nullopt;
-    }
-}
-
-TransitionSide sideFor(int option) {
-    switch (option) {
-    case 8:
-        return TransitionSide::Up;
-    case 1:
-        return TransitionSide::Left;
-    case 2:
-        return TransitionSide::Right;
-    default:
-        return TransitionSide::Down;
-    }
 }
 
 // Only a window that is on the screen, with a window of the window system behind it, can play.
@@ -88,30 +64,35 @@ void play(QWidget* window, TransitionEffect effect, TransitionSide side, int dur
     }
     animation->start();
 }
-} // namespace
 
-TransitionRequest fTransitionRequest(const QString& style, const QString& direction) {
-    TransitionRequest request;
-    request.type = lookUp(kStyleCodes, style).value_or(request.type);
-    request.option = lookUp(kDirectionCodes, direction).value_or(request.option);
-    return request;
-}
-
-void fxWindowTransition(QWidget* window, const QString& style, const QString& direction, int duration,
-                        int warnOnFailure, std::function<void()> then) {
-    QWidget* topLevel = window != nullptr ? window->window() : nullptr;
-    const TransitionRequest request = fTransitionRequest(style, direction);
-    const std::optional<TransitionEffect> effect = effectFor(request.type);
-    if (!effect || !canPlay(topLevel)) {
-        if (warnOnFailure == 1) {
-            mCodeBaseStd::sDisplayWarningMessage("CGS Transition Failed ...");
-        }
-    } else if (duration > 0) {
-        const auto durationMs = std::min<std::int64_t>(std::int64_t{duration} * 1000, INT_MAX);
-        play(topLevel, *effect, sideFor(request.option), static_cast<int>(durationMs), std::move(then));
-        return;
+// Refused or nothing to play: the caller goes on at once.
+void goOnWithout(bool refused, int warnOnFailure, const std::function<void()>& then) {
+    if (refused && warnOnFailure == 1) {
+        mCodeBaseStd::sDisplayWarningMessage("CGS Transition Failed ...");
     }
     if (then) {
         then();
     }
+}
+} // namespace
+
+void fxWindowTransition(QWidget* window, TransitionEffect effect, TransitionSide side, int duration,
+                        int warnOnFailure, std::function<void()> then) {
+    QWidget* topLevel = window != nullptr ? window->window() : nullptr;
+    if (canPlay(topLevel) && duration > 0) {
+        const auto durationMs = std::min<std::int64_t>(std::int64_t{duration} * 1000, INT_MAX);
+        play(topLevel, effect, side, static_cast<int>(durationMs), std::move(then));
+        return;
+    }
+    goOnWithout(!canPlay(topLevel), warnOnFailure, then);
+}
+
+void fxWindowTransition(QWidget* window, const QString& style, const QString& direction, int duration,
+                        int warnOnFailure, std::function<void()> then) {
+    const TransitionSide side = named(kSideWords, direction).value_or(TransitionSide::Down);
+    if (const std::optional<TransitionEffect> effect = named(kEffectWords, style)) {
+        fxWindowTransition(window, *effect, side, duration, warnOnFailure, std::move(then));
+        return;
+    }
+    goOnWithout(true, warnOnFailure, then);
 }

@@ -1,10 +1,7 @@
 #include "feedback/wWorking.h"
 
 #include "base/Controls.h"
-#include "base/GuiThread.h"
 #include "base/mCodeBaseGlv.h"
-#include "feedback/DockIcon.h"
-#include "feedback/WindowTransition.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -23,9 +20,8 @@ constexpr double kOpacity = 0.8;
 // A window manager that is slow to map the window must not hold up the work behind it for long.
 constexpr int kExposeWaitMs = 2000;
 
-// The open window, and the one flipping shut, which the next message waits for.
+// The open window.
 QPointer<wWorking> g_window;
-QPointer<wWorking> g_closing;
 
 QLabel* makeLine(QWidget* parent, const QRect& frame, const QFont& font) {
     auto* line = new QLabel(QStringLiteral("..."), parent);
@@ -105,41 +101,7 @@ void wWorking::sGetWindowPosition() {
     setWindowOpacity(kOpacity);
 }
 
-// The window goes once its flip has played, or at once where the flip is refused.
 void wWorking::closeEvent(QCloseEvent* event) {
-    if (!m_closing) {
-        m_closing = true;
-        g_closing = this;
-        // Nobody waiting for the window may wait for ever on one that goes before it showed.
-        markShown();
-        fxWindowTransition(this, "Flip", "Down", 1, 0, [window = QPointer<wWorking>(this)] {
-            if (window) {
-                window->m_flipped = true;
-                window->close();
-            }
-        });
-    }
-    event->setAccepted(m_flipped);
+    // Nobody waiting for the window may wait for ever on one that goes before it showed.
+    m_closing.handle(event, [this] { markShown(); });
 }
-
-namespace mCodeBaseStd {
-void sDisplayWorkingMessage(const QString& text1, const QString& text2, std::function<void()> then) {
-    if (!onGuiThread()) {
-        postToGuiThread([=] { sDisplayWorkingMessage(text1, text2, then); });
-        return;
-    }
-    if (g_closing) {
-        QObject::connect(
-            g_closing, &QObject::destroyed, QCoreApplication::instance(),
-            [=] { sDisplayWorkingMessage(text1, text2, then); }, Qt::QueuedConnection);
-        return;
-    }
-    sDrawNoteIconDock();
-    wWorking::instance(text1, text2).showThen([then] {
-        sResetDockIcon();
-        if (then) {
-            then();
-        }
-    });
-}
-} // namespace mCodeBaseStd

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "feedback/CloseAfterEffect.h"
+
 #include <QWidget>
 
 #include <functional>
@@ -8,7 +10,8 @@
 class QLabel;
 
 // A small floating window at the bottom right of the main screen that says what long work is
-// going on. It takes its two lines when it opens.
+// going on. It takes its two lines when it opens. The messages of WorkingMessages.h put it up and
+// take it down.
 class wWorking final : public QWidget {
     Q_OBJECT
 
@@ -21,7 +24,7 @@ public:
     // already is.
     void showThen(std::function<void()> then);
     // Flipping shut or gone; the next message gets a window of its own.
-    bool isClosed() const { return m_closing; }
+    bool isClosed() const { return m_closing.started(); }
 
     QLabel* stt1() const { return m_stt1; }
     QLabel* stt2() const { return m_stt2; }
@@ -40,13 +43,5 @@ private:
     QLabel* m_stt2;
     std::vector<std::function<void()>> m_whenShown;
     bool m_shown = false;
-    bool m_closing = false;
-    bool m_flipped = false;
+    CloseAfterEffect m_closing{*this, TransitionEffect::Flip, TransitionSide::Down};
 };
-
-namespace mCodeBaseStd {
-// Puts up the working window with two lines and returns at once; `then` runs on the GUI thread
-// when the window is on the screen and painted, which is when the long work may start. From any
-// thread. A window still flipping shut goes first, so the new lines follow its flip.
-void sDisplayWorkingMessage(const QString& text1, const QString& text2, std::function<void()> then = {});
-} // namespace mCodeBaseStd

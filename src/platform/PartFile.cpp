@@ -64,6 +64,12 @@ void syncFolderOf(const QString& path) {
         ::close(folder);
     }
 }
+
+// A file that replaces another takes its permissions, so that a private file stays private.
+mode_t permissionsFor(const QString& finalPath) {
+    struct stat status {};
+    return ::stat(QFile::encodeName(finalPath).constData(), &status) == 0 ? status.st_mode & 07777 : 0666;
+}
 } // namespace
 
 std::unique_ptr<PartFile> PartFile::createBeside(const QString& finalPath) {
@@ -73,7 +79,8 @@ std::unique_ptr<PartFile> PartFile::createBeside(const QString& finalPath) {
         const QByteArray path =
             QFile::encodeName(target.path() + "/." + target.fileName() + "." + QString::number(::getpid()) +
                               "-" + QString::number(counter++) + ".part");
-        const int fd = ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        const int fd =
+            ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, permissionsFor(finalPath));
         if (fd < 0) {
             if (errno == EEXIST) {
                 continue;

@@ -61,6 +61,7 @@ void MovieAssembly::sCreateMovie(const MovieAssemblyInput& input) {
         makeMovie(input.files, *target, temporaries);
     }
     temporaries.deleteAll();
+    emit movieStageDone();
     emit workingWindowDone();
 
     emit workingMessage(QStringLiteral("Archiving ..."), kPatience);

@@ -32,6 +32,8 @@ public:
 signals:
     void workingMessage(const QString& text1, const QString& text2);
     void workingWindowDone();
+    // The movie is made or has failed, and the archiving comes next.
+    void movieStageDone();
     void nextFile(int current, int total);
 
 private:

@@ -11,8 +11,10 @@ struct PictureRow {
     QString path;
 };
 
-// The pictures of a folder that go into a slideshow, sorted by name, which for capture files is
-// the order of time. Left out: names of the followed item that begin with "." or with "Icon" in
-// any case, and items whose own name does not end in "jpg" in any case. Folders are not left out
-// as such. An unreadable or missing folder gives no rows.
+// The pictures of a folder that go into a slideshow, in the order of time: by name, which for
+// capture files is the order of time, with a capture name taken again when the clock went back
+// after those of the first pass through that second. Left out: names of the followed item that
+// begin with "." or with "Icon" in any case, items whose own name does not end in "jpg" in any
+// case, and whatever is not a plain file or a link to one. An unreadable or missing folder gives
+// no rows.
 std::vector<PictureRow> fPictureRows(const QString& folder);

@@ -4,8 +4,7 @@
 #include "base/NilObjectException.h"
 #include "base/UnhandledException.h"
 #include "base/mCodeBaseGlv.h"
-#include "feedback/WindowTransition.h"
-#include "feedback/wWorking.h"
+#include "feedback/WorkingMessages.h"
 #include "platform/Clock.h"
 #include "platform/FolderItem.h"
 #include "platform/movie/MovieWriter.h"
@@ -19,6 +18,8 @@
 #include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
+
+#include <utility>
 
 namespace {
 QListWidget* makeList(QWidget* parent) {
@@ -35,15 +36,6 @@ QProgressBar* makeProgressBar(QWidget* parent) {
     bar->setValue(0);
     bar->setTextVisible(false);
     return bar;
-}
-
-// Whether it is open or not.
-void closeWorkingWindow() {
-    for (QWidget* window : QApplication::topLevelWidgets()) {
-        if (auto* working = dynamic_cast<wWorking*>(window); working != nullptr && working->isVisible()) {
-            working->close();
-        }
-    }
 }
 } // namespace
 
@@ -64,26 +56,36 @@ wMovie::wMovie(ScheduleSuspension& suspension)
             mCodeBaseStd::sDisplayWorkingMessage(text1, text2);
         },
         Qt::QueuedConnection);
-    connect(m_assembly, &MovieAssembly::workingWindowDone, this, &closeWorkingWindow, Qt::QueuedConnection);
+    connect(
+        m_assembly, &MovieAssembly::workingWindowDone, this, [] { closeWorkingWindow(); },
+        Qt::QueuedConnection);
+    connect(
+        m_assembly, &MovieAssembly::movieStageDone, m_pb1, [button = m_pb1] { button->setEnabled(false); },
+        Qt::QueuedConnection);
     connect(m_assembly, &MovieAssembly::nextFile, this, &wMovie::Event_NextFile, Qt::QueuedConnection);
 }
 
-// Waits only at quit: otherwise the window closes after the work has ended.
+// Waits for the work only at quit, since otherwise the window closes after it has ended; a listing
+// that a close cut short is finished first.
 wMovie::~wMovie() {
-    if (m_worker.joinable()) {
-        m_worker.join();
+    for (std::thread* worker : {&m_lister, &m_worker}) {
+        if (worker->joinable()) {
+            worker->join();
+        }
     }
 }
 
 void wMovie::Event_Open() {
     runGuarded([this] {
         m_hold = m_suspension.hold();
-        move(static_cast<int>((mCodeBaseGlv::pMainScreenWidth - width()) / 2.0),
-             static_cast<int>((mCodeBaseGlv::pMainScreenHeight - height()) / 2.0));
+        // The content's place, as a window manager's frame goes around it.
+        setGeometry(static_cast<int>((mCodeBaseGlv::pMainScreenWidth - width()) / 2.0),
+                    static_cast<int>((mCodeBaseGlv::pMainScreenHeight - height()) / 2.0), width(), height());
         sPopulateList();
     });
 }
 
+// A folder of months of pictures takes a while to read, so a worker reads it.
 void wMovie::sPopulateList() {
     m_List->clear();
     const std::optional<QString> folder =
@@ -91,9 +93,22 @@ void wMovie::sPopulateList() {
     if (!folder) {
         throw NilObjectException("no destination folder");
     }
-    for (const PictureRow& row : fPictureRows(*folder)) {
+    m_lister = std::thread([this, folder = *folder] {
+        std::vector<PictureRow> rows = fPictureRows(folder);
+        QMetaObject::invokeMethod(
+            this, [this, rows = std::move(rows)] { showRows(rows); }, Qt::QueuedConnection);
+    });
+}
+
+// A press that came before the rows counts now.
+void wMovie::showRows(const std::vector<PictureRow>& rows) {
+    m_lister.join();
+    for (const PictureRow& row : rows) {
         auto* item = new QListWidgetItem(row.displayName, m_List);
         item->setData(Qt::UserRole, row.path);
+    }
+    if (std::exchange(m_pressedWhileListing, false) && !isClosed()) {
+        pb1_Action();
     }
 }
 
@@ -102,10 +117,13 @@ void wMovie::pb1_Action() {
 }
 
 void wMovie::sCreateMovie() {
+    if (m_lister.joinable()) {
+        m_pressedWhileListing = true;
+        return;
+    }
     if (m_working || m_worker.joinable()) {
         return;
     }
-    m_pb1->setEnabled(false);
     MovieAssemblyInput input{{}, mGeneralSettings::current().pDestination};
     for (int row = 0; row < m_List->count(); ++row) {
         input.files.push_back(m_List->item(row)->data(Qt::UserRole).toString());
@@ -128,46 +146,35 @@ void wMovie::Event_NextFile(int current, int total) {
     m_barProgress1->setValue(current);
 }
 
-// After a failure the window stays, with the working window, until the user closes it.
+// After a failure the window stays, with the working window, until the user closes it. Otherwise
+// it closes once the last working message has gone.
 void wMovie::assemblyEnded(bool completed) {
     m_worker.join();
     m_working = false;
     if (completed || m_closeWhenDone) {
-        close();
+        closeWorkingWindow([window = QPointer<wMovie>(this)] {
+            if (window) {
+                window->close();
+            }
+        });
     }
 }
 
 void wMovie::closeEvent(QCloseEvent* event) {
-    if (m_transitionDone) {
-        DialogWindow::closeEvent(event);
-        return;
-    }
-    event->ignore();
-    if (m_leaving) {
-        return;
-    }
-    if (m_working) {
+    if (m_working && !m_closing.started()) {
         m_closeWhenDone = true;
+        event->ignore();
         return;
     }
-    runGuarded([this] { Event_Close(); });
+    m_closing.handle(event, [this] { runGuarded([this] { Event_Close(); }); });
+    if (event->isAccepted()) {
+        DialogWindow::closeEvent(event);
+    }
 }
 
 void wMovie::Event_Close() {
-    m_leaving = true;
     closeWorkingWindow();
     m_hold.release();
-    fxWindowTransition(this, "Flip", "Up", 1, 0, [window = QPointer<wMovie>(this)] {
-        if (window) {
-            window->afterCloseTransition();
-        }
-    });
-}
-
-// Closing from inside a close event does nothing, so the real close comes next.
-void wMovie::afterCloseTransition() {
-    m_transitionDone = true;
-    QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
 }
 
 void waitForMovieAssembly() {

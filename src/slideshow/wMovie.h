@@ -3,9 +3,12 @@
 #include "base/DialogWindow.h"
 #include "base/ScheduleSuspension.h"
 #include "base/SingleWindow.h"
+#include "feedback/CloseAfterEffect.h"
+#include "slideshow/PictureList.h"
 
 #include <memory>
 #include <thread>
+#include <vector>
 
 class MovieAssembly;
 class MovieWriter;
@@ -25,7 +28,7 @@ public:
     ~wMovie() override;
 
     // Also while the closing effect plays, so that the accessor makes a fresh window.
-    bool isClosed() const { return m_leaving || DialogWindow::isClosed(); }
+    bool isClosed() const { return m_closing.started() || DialogWindow::isClosed(); }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -34,8 +37,8 @@ private:
     friend class SingleWindow<wMovie>;
     void Event_Open();
     void Event_Close();
-    void afterCloseTransition();
     void sPopulateList();
+    void showRows(const std::vector<PictureRow>& rows);
     void sCreateMovie();
     void pb1_Action();
     void Event_NextFile(int current, int total);
@@ -48,11 +51,12 @@ private:
     MovieAssembly* m_assembly;
     ScheduleSuspension& m_suspension;
     ScheduleSuspension::Token m_hold;
+    std::thread m_lister;
     std::thread m_worker;
+    bool m_pressedWhileListing = false;
     bool m_working = false;
     bool m_closeWhenDone = false;
-    bool m_leaving = false;
-    bool m_transitionDone = false;
+    CloseAfterEffect m_closing{*this, TransitionEffect::Flip, TransitionSide::Up};
 };
 
 // At quit, once nobody waits for dialogs any more: lets an assembly under way finish its archive,

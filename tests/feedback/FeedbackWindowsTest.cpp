@@ -1,6 +1,7 @@
 #include "base/mCodeBaseGlv.h"
 #include "feedback/DockIcon.h"
 #include "feedback/WindowTransition.h"
+#include "feedback/WorkingMessages.h"
 #include "feedback/wWorking.h"
 #include "support/Pixels.h"
 #include "support/RecordingPresenter.h"
