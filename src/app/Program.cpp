@@ -24,7 +24,7 @@ Program::Program(const Clock& clock)
     : m_camera(productCameraServices(clock))
     , m_grabber(makeScreenGrabber())
     , m_runner(*m_grabber, clock)
-    , m_main(std::make_unique<wMain>(m_runner, m_speech, m_suspension))
+    , m_main(std::make_unique<wMain>(m_runner, m_speech, m_suspension, m_camera))
     , m_menu(new Menu(m_applicationHandlers)) {
     _ApplicationAddMenuHandlers(m_applicationHandlers, *m_main);
     connectMainWindow(*m_main, *m_menu);

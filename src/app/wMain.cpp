@@ -56,11 +56,13 @@ QLabel* makeCountDownLabel(QWidget* parent) {
 }
 } // namespace
 
-wMain::wMain(CaptureRunner& runner, ProgramSpeech& speech, ScheduleSuspension& suspension)
+wMain::wMain(CaptureRunner& runner, ProgramSpeech& speech, ScheduleSuspension& suspension,
+             CameraLinkOwner& camera)
     : QWidget(nullptr, mainWindowFlags())
     , m_runner(runner)
     , m_speech(speech)
     , m_suspension(suspension)
+    , m_camera(camera)
     , m_ImageWell1(new QLabel(this))
     , m_sttCountDown(makeCountDownLabel(m_ImageWell1))
     , m_schedule(m_timCountDown, m_timSnapShot, *this)
@@ -107,7 +109,7 @@ void wMain::Event_Open() {
         setVisible(!hidden);
         m_timSnapShot.setEnabled(false);
         if (mGeneralSettings::current().pUseCamera) {
-            startCameraSetUp();
+            m_camera.setUpInBackground();
         }
         if (mGeneralSettings::current().pUpdateAtStartup) {
             CheckForUpdates(false);

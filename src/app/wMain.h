@@ -9,6 +9,7 @@
 
 #include <QWidget>
 
+class CameraLinkOwner;
 class CaptureRunner;
 class ProgramSpeech;
 class QLabel;
@@ -25,7 +26,8 @@ class wMain final : public QWidget, public MenuHandlerHost, private ScheduleHost
 
 public:
     // The window's parts outlive it; the windows that it opens hold `suspension`.
-    wMain(CaptureRunner& runner, ProgramSpeech& speech, ScheduleSuspension& suspension);
+    wMain(CaptureRunner& runner, ProgramSpeech& speech, ScheduleSuspension& suspension,
+          CameraLinkOwner& camera);
     ~wMain() override;
 
     // The real start of the program: settings, geometry, camera, update check, timers.
@@ -94,6 +96,7 @@ private:
     CaptureRunner& m_runner;
     ProgramSpeech& m_speech;
     ScheduleSuspension& m_suspension;
+    CameraLinkOwner& m_camera;
     QLabel* m_ImageWell1;
     QLabel* m_sttCountDown;
     QtScheduleTimer m_timCountDown;

@@ -35,7 +35,6 @@ void showNewestFrame(FrameWindowKind kind) {
 
 // One set-up at a time: a set-up under way is also the attempt of whoever asks meanwhile.
 std::mutex g_setUpMutex;
-std::atomic<CameraLinkOwner*> g_owner{nullptr};
 
 // Which grabber the readiness flag speaks for, so that the end of one already replaced lowers
 // nothing. Compared by address alone: taking a reference on a streaming thread could make it the
@@ -107,12 +106,10 @@ Guarded<std::shared_ptr<CameraGrabber>> pQTGrabber;
 
 CameraLinkOwner::CameraLinkOwner(CameraServices services) {
     installCameraServices(std::move(services));
-    g_owner = this;
 }
 
 // What the services hold, a clock for one, may go with the owner's owner.
 CameraLinkOwner::~CameraLinkOwner() {
-    g_owner = nullptr;
     if (m_setUp.joinable()) {
         m_setUp.join();
     }
@@ -133,12 +130,6 @@ void CameraLinkOwner::setUpInBackground() {
         runGuarded(mCodeBaseStd::sSetupVideoForCamera);
         m_setUpDone = true;
     });
-}
-
-void startCameraSetUp() {
-    if (CameraLinkOwner* owner = g_owner.load()) {
-        owner->setUpInBackground();
-    }
 }
 
 namespace mCodeBaseStd {

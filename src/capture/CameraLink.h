@@ -45,10 +45,6 @@ private:
     std::atomic<bool> m_setUpDone{true};
 };
 
-// The set-up of the program's start, on the thread of the program's link owner; nothing where the
-// program has none.
-void startCameraSetUp();
-
 namespace mCodeBaseGlv {
 // The one camera grabber, empty before the first set-up. A set-up on one thread may replace it
 // while a photograph on another still reads the old one, which goes when both have let it go.

@@ -56,7 +56,7 @@ void MovieAssembly::sCreateMovie(const MovieAssemblyInput& input) {
     const QString archiveName = "Archive_" + stamp;
     std::optional<QString> target;
     if (const std::optional<QString> destination = GetFolderItem(input.destination, FolderPlace::Pictures)) {
-        QDir().mkdir(*destination);
+        CreateAsFolder(*destination);
         target = QDir(*destination).filePath(stamp + ".mov");
         makeMovie(input.files, *target, temporaries);
     }
@@ -71,7 +71,7 @@ void MovieAssembly::sCreateMovie(const MovieAssemblyInput& input) {
     if (!archive) {
         throw NilObjectException("no archive folder");
     }
-    QDir().mkdir(*archive);
+    CreateAsFolder(*archive);
     for (const QString& file : input.files) {
         moveFileTo(file, *archive);
     }

@@ -349,7 +349,7 @@ TEST_F(CameraTest, ACameraThatGoesIsSetUpAgainByTheNextRunsAndUsedOnceItIsBack) 
     // it runs, and its first second, dark on a webcam, gives no photograph.
     QElapsedTimer started;
     started.start();
-    startCameraSetUp();
+    m_camera.setUpInBackground();
     ASSERT_TRUE(QTest::qWaitFor([] { return mCodeBaseGlv::pVideoGoodToGo.load(); }, 10000));
     EXPECT_NE(testcamera::g_probedOn, std::this_thread::get_id());
     EXPECT_FALSE(testcamera::g_readyWhenProbed);

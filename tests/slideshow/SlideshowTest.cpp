@@ -161,6 +161,9 @@ TEST_F(SlideshowTest, AFailedMovieIsWarnedAboutAndThePicturesAreArchivedAnyway) 
         EXPECT_EQ(m_presenter.lastText(), warning);
         const QString archive = m_root.filePath(destination + "Archive_2026-03-07-21-07");
         EXPECT_TRUE(QDir(archive).exists() && entriesIn(archive).size() == qsizetype(files.size()));
+        struct stat folder {};
+        EXPECT_TRUE(::stat(QFile::encodeName(archive).constData(), &folder) == 0 &&
+                    (folder.st_mode & 0777) == 0700);
         EXPECT_TRUE(entriesIn(m_temporary.path()).isEmpty());
         ASSERT_TRUE(QDir(this->destination()).removeRecursively() && QDir(archive).removeRecursively());
     }
