@@ -153,7 +153,7 @@ TEST_F(PictureFilesTest, MovieStillsStandTwoSecondsAndWipeFromLeftToRight) {
     }
     const auto writer = makeMovieWriter();
     std::vector<std::pair<int, int>> progress;
-    const MovieRequest movie{files, 600, 1200, 600, path("m.mov")};
+    const MovieRequest movie{files, 600, 1200, 600, path("m.mov"), {}};
     ASSERT_EQ(writer->Run(movie, [&](int current, int total) { progress.emplace_back(current, total); }), 0);
     EXPECT_EQ(progress, (std::vector<std::pair<int, int>>{{1, 3}, {2, 3}, {3, 3}}));
     ASSERT_TRUE(writer->OpenAsMovie(movie.target));
@@ -175,8 +175,8 @@ TEST_F(PictureFilesTest, MovieStillsStandTwoSecondsAndWipeFromLeftToRight) {
         EXPECT_TRUE(closeTo(half.pixelColor(x, y), colour, 16)) << x << "," << y;
     }
     // No pictures, or one that does not decode: a number, and no movie.
-    EXPECT_LT(writer->Run({{}, 600, 1200, 600, path("empty.mov")}, {}), 0);
-    EXPECT_LT(writer->Run({{files[0], movie.target}, 600, 1200, 600, path("bad.mov")}, {}), 0);
+    EXPECT_LT(writer->Run({{}, 600, 1200, 600, path("empty.mov"), {}}, {}), 0);
+    EXPECT_LT(writer->Run({{files[0], movie.target}, 600, 1200, 600, path("bad.mov"), {}}, {}), 0);
     EXPECT_FALSE(writer->OpenAsMovie(path("bad.mov")));
 }
 } // namespace
