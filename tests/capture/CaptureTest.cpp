@@ -180,17 +180,24 @@ TEST_F(CaptureRunTest, AFailedRunsWarningIsNotShownAgainWhileOnScreenSoFailingRu
     // Expiries come from a timer, as the schedule's do, and go on while the warning is open; it is
     // answered every fifteenth.
     QTimer timSnapShot;
+    // A slow machine may also see two runs under way, and the stall's own warning beside it.
+    const auto failureWarnings = [] {
+        return std::ranges::count_if(QApplication::topLevelWidgets(), [](QWidget* w) {
+            auto* box = qobject_cast<QMessageBox*>(w);
+            return box && box->isVisible() &&
+                   box->informativeText() == "Unhandled Exception.  Contact Support ...";
+        });
+    };
     QObject::connect(&timSnapShot, &QTimer::timeout, [&] {
-        dialogs = int(std::ranges::count_if(QApplication::topLevelWidgets(), [](QWidget* w) {
-            return qobject_cast<QMessageBox*>(w) && w->isVisible();
-        }));
+        dialogs = int(failureWarnings());
         mostDialogs = std::max(mostDialogs, dialogs);
         mostThreads = std::max(mostThreads, threadCount());
-        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            ++expiries % 15 == 0 && box) {
-            EXPECT_EQ(box->text() + " " + box->informativeText(),
-                      "WARNING: Unhandled Exception.  Contact Support ...");
-            box->close();
+        if (++expiries % 15 == 0) {
+            for (QWidget* w : QApplication::topLevelWidgets()) {
+                if (auto* box = qobject_cast<QMessageBox*>(w); box && box->isVisible()) {
+                    box->close();
+                }
+            }
         }
         expiries < 45 ? runner.Run(failing) : timSnapShot.stop();
     });
