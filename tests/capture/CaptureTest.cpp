@@ -205,8 +205,8 @@ TEST_F(CaptureRunTest, AFailedRunsWarningIsNotShownAgainWhileOnScreenSoFailingRu
     EXPECT_TRUE(QTest::qWaitFor([&] { return expiries == 45; }, 30000));
     installMessagePresenter(&m_presenter);
     EXPECT_EQ(mostDialogs, 1);
-    EXPECT_LE(mostThreads, threads + 2);
-    EXPECT_EQ(dialogs, 1); // shown again once answered
+    EXPECT_LE(mostThreads, threads + 3); // two runs, and the bus thread a first dialog may start
+    EXPECT_EQ(dialogs, 1);               // shown again once answered
 }
 
 // The frame window on the screen, once there is one: all windows here are frame windows.
