@@ -13,10 +13,13 @@
 #include "support/RecordingPresenter.h"
 
 #include <QApplication>
+#include <QPointer>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <gtest/gtest.h>
+
+#include <vector>
 
 // The program as it runs, in a folder of its own: its pictures in Resources, a settings file in
 // bin, and the program's parts with the main window opened on them.
@@ -31,8 +34,13 @@ protected:
     }
 
     void TearDown() override {
+        // A window may take the windows it owns with it, so each is held by a guard first.
+        std::vector<QPointer<DialogWindow>> windows;
         for (QWidget* window : QApplication::topLevelWidgets()) {
-            delete qobject_cast<DialogWindow*>(window);
+            windows.emplace_back(qobject_cast<DialogWindow*>(window));
+        }
+        for (const QPointer<DialogWindow>& window : windows) {
+            delete window.data();
         }
         m_program.reset();
         platform::setApplicationFolder(QString());

@@ -22,10 +22,35 @@
 #include <gtest/gtest.h>
 #include <xcb/xcb.h>
 
+#include <memory>
 #include <thread>
 
-// The taskbar mark comes first: it needs a session bus before anything asks for one.
 namespace {
+// A session bus of the suite's own, there before any test asks for one: the program's launcher
+// entry finds the bus once, whichever test happens to run first.
+class PrivateSessionBus final : public ::testing::Environment {
+public:
+    void SetUp() override {
+        m_daemon = std::make_unique<QProcess>();
+        m_daemon->start("dbus-daemon", {"--session", "--nofork", "--print-address=1"});
+        ASSERT_TRUE(m_daemon->waitForStarted(5000) && m_daemon->waitForReadyRead(5000));
+        address = QString::fromUtf8(m_daemon->readLine()).trimmed();
+        qputenv("DBUS_SESSION_BUS_ADDRESS", address.toUtf8());
+    }
+    void TearDown() override {
+        m_daemon->kill();
+        m_daemon->waitForFinished();
+        m_daemon.reset();
+    }
+
+    QString address;
+
+private:
+    std::unique_ptr<QProcess> m_daemon;
+};
+auto* const sessionBus =
+    static_cast<PrivateSessionBus*>(::testing::AddGlobalTestEnvironment(new PrivateSessionBus));
+
 // The window's _NET_WM_ICON, which is what taskbars show, read on Qt's own connection so that the
 // request comes after everything Qt has sent. The icons here have one size only.
 QImage taskbarIcon(const QWidget& window) {
@@ -66,13 +91,8 @@ struct AnimationTime final : QAnimationDriver {
 } // namespace
 
 TEST(TaskbarMark, CoversOnlyItsPlaceTellsTheLauncherAndResetGivesThePlainIconBack) {
-    QProcess daemon;
-    daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address=1"});
-    ASSERT_TRUE(daemon.waitForStarted(5000) && daemon.waitForReadyRead(5000));
-    const QString address = QString::fromUtf8(daemon.readLine()).trimmed();
-    qputenv("DBUS_SESSION_BUS_ADDRESS", address.toUtf8());
     LauncherListener listener;
-    ASSERT_TRUE(QDBusConnection::connectToBus(address, "listener")
+    ASSERT_TRUE(QDBusConnection::connectToBus(sessionBus->address, "listener")
                     .connect({}, {}, "com.canonical.Unity.LauncherEntry", "Update", &listener,
                              SLOT(update(QDBusMessage))));
     QPixmap tile(128, 128);
@@ -94,8 +114,6 @@ TEST(TaskbarMark, CoversOnlyItsPlaceTellsTheLauncherAndResetGivesThePlainIconBac
     EXPECT_EQ(taskbarIcon(window), plain);
     EXPECT_TRUE(QTest::qWaitFor([&] { return listener.urgent.size() >= 3; }));
     EXPECT_EQ(listener.urgent, (QList<bool>{true, true, false}));
-    daemon.kill();
-    daemon.waitForFinished();
 }
 
 TEST(WindowTransition, EachStyleAndSideLooksItsOwnForItsDurationAndLeavesTheWindowAsItWas) {

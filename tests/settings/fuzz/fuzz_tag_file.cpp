@@ -50,8 +50,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
 
     static const QTemporaryDir folder;
     const QString path = folder.filePath("KestrelviewPreferences.ini");
-    const QString first = storable(text.left(text.size() / 2), "pTextToSpeak");
-    const QString second = storable(text.mid(text.size() / 2), "pDestination");
+    // Halves meet between characters: a lone half of a surrogate pair is no text a user can type.
+    qsizetype half = text.size() / 2;
+    half += half > 0 && text[half - 1].isHighSurrogate() ? 1 : 0;
+    const QString first = storable(text.left(half), "pTextToSpeak");
+    const QString second = storable(text.mid(half), "pDestination");
     require(writeTagFile(path, {{"pTextToSpeak", first}, {"pDestination", second}}));
     const QStringList lines = readTagFileLines(path, 3).value_or(QStringList());
     require(lines.size() == 3 && lines[2].isEmpty() &&
