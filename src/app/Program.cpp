@@ -10,6 +10,8 @@
 #include "platform/Clock.h"
 #include "platform/WaylandSession.h"
 #include "platform/screen/ScreenGrabber.h"
+#include "settings/mGeneralSettings.h"
+#include "settings/mPolicies.h"
 #include "slideshow/wMovie.h"
 
 #include <QCoreApplication>
@@ -25,7 +27,11 @@ Program::Program(const Clock& clock)
     , m_grabber(makeScreenGrabber())
     , m_runner(*m_grabber, clock)
     , m_main(std::make_unique<wMain>(m_runner, m_speech, m_suspension, m_camera))
-    , m_menu(new Menu(m_applicationHandlers)) {
+    , m_menu(new Menu(m_applicationHandlers))
+    , m_presence(std::make_unique<PresenceRules>(
+          desktopPresenceWatchers(),
+          PresenceRules::Inputs{mPolicies::current, [] { return mGeneralSettings::current().pUseCamera; }},
+          clock, m_main->waitReasons())) {
     _ApplicationAddMenuHandlers(m_applicationHandlers, *m_main);
     connectMainWindow(*m_main, *m_menu);
 }

@@ -6,6 +6,7 @@
 #include "capture/CaptureRunner.h"
 #include "feedback/Speech.h"
 #include "platform/session/SessionChannel.h"
+#include "schedule/PresenceRules.h"
 
 #include <QPointer>
 
@@ -18,8 +19,8 @@ class ScreenGrabber;
 class wMain;
 
 // The program's long-lived parts, each handed what it needs. They are made in this order and go
-// in the reverse one: the windows first, then the capture runs (joined), the camera link's
-// streaming threads, and the speech thread. Needs the application object.
+// in the reverse one: the watchers of the desktop first, then the windows, then the capture runs (joined),
+// the camera link's streaming threads, and the speech thread. Needs the application object.
 class Program {
 public:
     explicit Program(const Clock& clock);
@@ -41,6 +42,7 @@ private:
     CaptureRunner m_runner;
     std::unique_ptr<wMain> m_main;
     QPointer<Menu> m_menu;
+    std::unique_ptr<PresenceRules> m_presence;
 };
 
 // The program itself, as the one instance in the session: its windows, the capture schedule and

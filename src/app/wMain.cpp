@@ -321,7 +321,10 @@ void wMain::speak(const QString& text) {
 }
 
 void wMain::startCaptureRun() {
-    m_runner.Run(CaptureRunInput{mGeneralSettings::current(), screenAreas()});
+    mGeneralSettings::Prefs prefs = mGeneralSettings::current();
+    // While a private window has the focus a run takes the camera's photograph alone.
+    prefs.pUseScreen = prefs.pUseScreen && !m_schedule.waiting(WaitReason::PrivateScreens);
+    m_runner.Run(CaptureRunInput{prefs, screenAreas()});
 }
 
 void wMain::waitingChanged(const QString& status) {

@@ -36,10 +36,10 @@ void CaptureSchedule::SetupSnapShotTimer() {
 }
 
 void CaptureSchedule::CountDownAction() {
-    if (m_timSnapShot.enabled() && !m_waiting.any()) {
+    if (m_timSnapShot.enabled() && !m_waiting.holdsRuns()) {
         const mGeneralSettings::Prefs prefs = m_host.settings();
         --m_timCountDownLoop;
-        showRemaining(prefs);
+        showState(prefs);
         if (remainingSec(prefs) == kWarningCount && prefs.pThreeSecondWarning) {
             m_host.speak("In Three Seconds");
         }
@@ -51,7 +51,7 @@ void CaptureSchedule::CountDownAction() {
 }
 
 void CaptureSchedule::SnapShotAction() {
-    if (m_waiting.any()) {
+    if (m_waiting.holdsRuns()) {
         return;
     }
     try {
@@ -69,6 +69,9 @@ void CaptureSchedule::SnapShotAction() {
         m_host.refresh();
         SetupCountDownTimer();
         m_host.setCountDownVisible(m_host.settings().pShowCountdown);
+        if (m_waiting.any()) {
+            showState(m_host.settings());
+        }
     } catch (...) {
         // Deliberately silent: the next expiry starts over, and a dialog at every interval would
         // pile up while nobody is at the machine.
@@ -85,12 +88,7 @@ void CaptureSchedule::setWaiting(WaitReason reason, bool on) {
     if (!m_waiting.set(reason, on)) {
         return;
     }
-    if (const std::optional<WaitReasonText> first = m_waiting.first()) {
-        m_host.setCountDownVisible(true);
-        m_host.setCountDownText(QString::fromLatin1(first->word));
-    } else {
-        showRemaining(m_host.settings());
-    }
+    showState(m_host.settings());
     m_host.refresh();
     m_host.waitingChanged(m_waiting.statusLine());
 }
@@ -101,6 +99,16 @@ bool CaptureSchedule::waiting(WaitReason reason) const {
 
 std::int64_t CaptureSchedule::remainingSec(const mGeneralSettings::Prefs& prefs) const {
     return std::int64_t{prefs.pInterval} + m_timCountDownLoop;
+}
+
+// While a reason holds the label says why; otherwise it counts.
+void CaptureSchedule::showState(const mGeneralSettings::Prefs& prefs) {
+    if (const std::optional<WaitReasonText> first = m_waiting.first()) {
+        m_host.setCountDownVisible(true);
+        m_host.setCountDownText(QString::fromLatin1(first->word));
+    } else {
+        showRemaining(prefs);
+    }
 }
 
 // The label shows the seconds left down to 4 and goes away for the last three.

@@ -39,6 +39,7 @@ public:
 
 private:
     std::int64_t remainingSec(const mGeneralSettings::Prefs& prefs) const;
+    void showState(const mGeneralSettings::Prefs& prefs);
     void showRemaining(const mGeneralSettings::Prefs& prefs);
 
     ScheduleTimer& m_timCountDown;

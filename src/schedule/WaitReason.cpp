@@ -9,6 +9,11 @@ constexpr std::array kReasons{
     WaitReasonText{WaitReason::Suspended, "Paused", "Paused"},
     WaitReasonText{WaitReason::LeftSuspended, "Paused",
                    "Paused: open Preferences and leave it with Save or Cancel"},
+    WaitReasonText{WaitReason::Locked, "Locked", "Locked"},
+    WaitReasonText{WaitReason::Away, "Away", "Away"},
+    WaitReasonText{WaitReason::OffHours, "Off Hours", "Off Hours"},
+    WaitReasonText{WaitReason::Private, "Private", "Private"},
+    WaitReasonText{WaitReason::PrivateScreens, "Private", "Private", false},
 };
 
 unsigned bitOf(WaitReason reason) {
@@ -24,6 +29,15 @@ bool WaitReasons::set(WaitReason reason, bool on) {
 
 bool WaitReasons::has(WaitReason reason) const {
     return (m_bits & bitOf(reason)) != 0;
+}
+
+bool WaitReasons::holdsRuns() const {
+    for (const WaitReasonText& text : kReasons) {
+        if (text.holdsRuns && has(text.reason)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 std::optional<WaitReasonText> WaitReasons::first() const {

@@ -1,6 +1,7 @@
 // The real program, started from a copy of its application folder as a user would: on an X display
 // with two monitors, and on a headless Wayland desktop (support/wayland-session.sh) with two outputs
 // read through the desktop portal.
+#include "PresenceServices.h"
 #include "support/DefaultPreferences.h"
 #include "support/Files.h"
 #include "support/Pixels.h"
@@ -20,6 +21,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <set>
 
 #include <unistd.h>
@@ -200,6 +202,51 @@ TEST_F(EndToEnd, AFirstStartFromAFolderThatCannotBeWrittenKeepsItsFilesWithTheUs
     EXPECT_EQ(readFile(settings + "KestrelviewScreen.ini"),
               QByteArray(kPlace).replace(">300<", ">20<").replace(">200</pWinTop", ">60</pWinTop"));
     EXPECT_EQ(entriesIn(m_bin), QStringList{"kestrelview"});
+}
+
+// The second of each picture's name.
+QList<QDateTime> stamps(const QStringList& files) {
+    QList<QDateTime> seconds;
+    for (const QString& file : files) {
+        seconds << QDateTime::fromString(file.left(19), "yyyy-MM-dd-HH-mm-ss");
+    }
+    return seconds;
+}
+
+// Each of the desktop's locks: while it holds no run starts, and at the next expiry after it
+// one run does; the state is told on the bus. logind's is on a system bus of the test's own.
+TEST_F(EndToEnd, NoRunStartsWhileTheSessionIsLockedAndOneAtTheNextExpiryAfter) {
+    QProcess systemBus;
+    systemBus.start("dbus-daemon", {"--session", "--nofork", "--print-address=1"});
+    ASSERT_TRUE(systemBus.waitForReadyRead(10000)) << "no system bus";
+    const QString systemAddress = QString::fromLatin1(systemBus.readLine()).trimmed();
+    m_environment.insert("DBUS_SYSTEM_BUS_ADDRESS", systemAddress);
+    PresenceServices desktop(m_environment.value("DBUS_SESSION_BUS_ADDRESS"), systemAddress);
+    ASSERT_TRUE(desktop.registered);
+    start({{"pInterval", "2"},
+           {"pUpdateAtStartup", "FALSE"},
+           {"pHideWindow", "TRUE"},
+           {"pUseSpeech", "FALSE"}});
+    ASSERT_GE(pictures(m_pictures, 2).size(), 2);
+    const auto status = [&] { return runOnce("--status") == 0 ? m_output.trimmed() : QString(); };
+    const std::function<void(bool)> locks[] = {[&](bool on) { desktop.screenSaver.setActive(on); },
+                                               [&](bool on) { desktop.login.setLocked(on); }};
+    for (const auto& lock : locks) {
+        lock(true);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return status() == "Locked"; }, 15000));
+        const QDateTime locked = QDateTime::currentDateTime().addSecs(1);
+        QTest::qWait(5000); // expiries come and go
+        const qsizetype before = pictures(m_pictures).size();
+        lock(false);
+        const QDateTime unlocked = QDateTime::currentDateTime().addSecs(-1);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return status() == "Running"; }, 15000));
+        const QList<QDateTime> taken = stamps(pictures(m_pictures, before + 2));
+        EXPECT_TRUE(
+            std::none_of(taken.begin(), taken.end(), [&](auto at) { return at > locked && at < unlocked; }));
+        EXPECT_LE(unlocked.secsTo(taken.value(before)), 4) << "at the next expiry";
+        EXPECT_LE(taken.size(), before + 3) << "one run, not the lost ones made up";
+    }
+    quit();
 }
 
 // In the desktop's session: its runtime folder holds the compositor's socket, its bus the portal.

@@ -116,11 +116,13 @@ TEST(CaptureSchedule, TheIntervalTimerArmsOnlyWithTheGoFlagAndAnIntervalAboveZer
 
 TEST(CaptureSchedule, AnyReasonToWaitFreezesTheCountLosesTheExpiryAndSaysWhy) {
     using enum WaitReason;
-    const std::pair<WaitReason, std::string> cases[] = {
-        {Paused, "Paused"},
-        {Suspended, "Paused"},
-        {LeftSuspended, "Paused: open Preferences and leave it with Save or Cancel"}};
-    for (const auto& [reason, status] : cases) {
+    const std::tuple<WaitReason, std::string, std::string> cases[] = {
+        {Paused, "Paused", "Paused"},
+        {Suspended, "Paused", "Paused"},
+        {LeftSuspended, "Paused", "Paused: open Preferences and leave it with Save or Cancel"},
+        {Locked, "Locked", "Locked"},
+        {Private, "Private", "Private"}};
+    for (const auto& [reason, word, status] : cases) {
         Schedule s(60, "TRUE", "FALSE");
         s.run(10);
         s.schedule.setWaiting(reason, true);
@@ -129,10 +131,19 @@ TEST(CaptureSchedule, AnyReasonToWaitFreezesTheCountLosesTheExpiryAndSaysWhy) {
         s.steps.clear();
         s.run(55);
         // Said even where the countdown is hidden; the expiry at 60 is lost.
-        EXPECT_EQ(s.label() + s.steps + s.heard + '|' + s.status, "Paused|" + status);
+        EXPECT_EQ(s.label() + s.steps + s.heard + '|' + s.status, word + '|' + status);
         s.schedule.setWaiting(reason, false);
         EXPECT_EQ(s.run(1) + '|' + s.status, "(49)|Running") << "the count goes on from where it stood";
     }
+}
+
+TEST(CaptureSchedule, APrivateWindowBeforeAWantedCameraSaysSoWhileTheCountAndTheRunsGoOn) {
+    Schedule s(6, "FALSE");
+    s.schedule.setWaiting(WaitReason::PrivateScreens, true);
+    EXPECT_EQ(s.run(7) + '|' + s.heard + s.status, "Private Private Private Private Private Private Private"
+                                                   "|capture@6 Private");
+    s.schedule.setWaiting(WaitReason::PrivateScreens, false);
+    EXPECT_EQ(s.label(), "5");
 }
 
 TEST(CaptureSchedule, AnExpiryFlashesAndMarksAroundTheCaptureAndAnnouncesOnlyAReadyCamera) {
