@@ -3,6 +3,7 @@
 #include "platform/presence/LogindIdleWatcher.h"
 #include "platform/presence/NullPresence.h"
 #include "platform/presence/Presence.h"
+#include "platform/presence/WaylandIdleWatcher.h"
 #include "platform/presence/XcbFocusWatcher.h"
 #include "platform/presence/XcbIdleWatcher.h"
 
@@ -29,6 +30,11 @@ std::unique_ptr<LockWatcher> makeLockWatcher() {
 std::unique_ptr<IdleWatcher> makeIdleWatcher() {
     if (XcbConnection display = x11Display(); display && hasIdleCounter(display.get())) {
         return std::make_unique<XcbIdleWatcher>(std::move(display));
+    }
+    if (platform::isWaylandSession()) {
+        if (std::unique_ptr<WaylandIdleWatcher> compositor = WaylandIdleWatcher::connectToCompositor()) {
+            return compositor;
+        }
     }
     if (QDBusConnection::systemBus().isConnected()) {
         return std::make_unique<LogindIdleWatcher>();
