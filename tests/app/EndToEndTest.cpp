@@ -21,6 +21,9 @@
 
 #include <gtest/gtest.h>
 
+#include <xcb/xcb.h>
+
+#include <cstring>
 #include <functional>
 #include <set>
 
@@ -213,6 +216,31 @@ QList<QDateTime> stamps(const QStringList& files) {
     return seconds;
 }
 
+// What a window manager says when a window of class "vault" takes the focus, and when none has it.
+void focusVault(bool on) {
+    const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> c(xcb_connect(nullptr, nullptr),
+                                                                         &xcb_disconnect);
+    const auto atom = [&](const char* name) {
+        const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> reply(
+            xcb_intern_atom_reply(c.get(), xcb_intern_atom(c.get(), 0, std::strlen(name), name), nullptr),
+            &std::free);
+        return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+    };
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(c.get())).data->root;
+    xcb_window_t window = on ? xcb_generate_id(c.get()) : xcb_window_t{XCB_WINDOW_NONE};
+    if (on) {
+        xcb_create_window(c.get(), 0, window, root, 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, 0, 0,
+                          nullptr);
+        xcb_change_property(c.get(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8, 12,
+                            "vault\0Vault\0");
+        xcb_set_close_down_mode(c.get(), XCB_CLOSE_DOWN_RETAIN_PERMANENT);
+    }
+    xcb_change_property(c.get(), XCB_PROP_MODE_REPLACE, root, atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW, 32,
+                        1, &window);
+    std::free(xcb_get_input_focus_reply(c.get(), xcb_get_input_focus(c.get()),
+                                        nullptr)); // all done before the close
+}
+
 // Each of the desktop's locks: while it holds no run starts, and at the next expiry after it
 // one run does; the state is told on the bus. logind's is on a system bus of the test's own.
 TEST_F(EndToEnd, NoRunStartsWhileTheSessionIsLockedAndOneAtTheNextExpiryAfter) {
@@ -223,6 +251,7 @@ TEST_F(EndToEnd, NoRunStartsWhileTheSessionIsLockedAndOneAtTheNextExpiryAfter) {
     m_environment.insert("DBUS_SYSTEM_BUS_ADDRESS", systemAddress);
     PresenceServices desktop(m_environment.value("DBUS_SESSION_BUS_ADDRESS"), systemAddress);
     ASSERT_TRUE(desktop.registered);
+    ASSERT_TRUE(writeFile(m_bin + "/KestrelviewPolicies.ini", "<pPrivateWindows>Vault</pPrivateWindows>\n"));
     start({{"pInterval", "2"},
            {"pUpdateAtStartup", "FALSE"},
            {"pHideWindow", "TRUE"},
@@ -246,6 +275,11 @@ TEST_F(EndToEnd, NoRunStartsWhileTheSessionIsLockedAndOneAtTheNextExpiryAfter) {
         EXPECT_LE(unlocked.secsTo(taken.value(before)), 4) << "at the next expiry";
         EXPECT_LE(taken.size(), before + 3) << "one run, not the lost ones made up";
     }
+    focusVault(true);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return status() == "Private"; }, 15000))
+        << "a private window by its class";
+    focusVault(false);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return status() == "Running"; }, 15000));
     quit();
 }
 
