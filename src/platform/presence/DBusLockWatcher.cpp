@@ -22,8 +22,8 @@ void DBusLockWatcher::watchScreenSaver(const QString& service, const QString& pa
         return;
     }
     bus.connect(service, path, service, QStringLiteral("ActiveChanged"), this, slot);
-    const QDBusMessage call =
-        QDBusMessage::createMethodCall(service, path, service, QStringLiteral("GetActive"));
+    QDBusMessage call = QDBusMessage::createMethodCall(service, path, service, QStringLiteral("GetActive"));
+    call.setAutoStartService(false); // asking must not start a screensaver on a desktop that has none running
     auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, source] {
         watcher->deleteLater();

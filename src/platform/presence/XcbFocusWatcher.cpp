@@ -36,6 +36,10 @@ void XcbFocusWatcher::readEvents() {
             handle(*reinterpret_cast<const xcb_property_notify_event_t*>(event.get()));
         }
     }
+    // A display that has gone leaves its socket readable for ever.
+    if (xcb_connection_has_error(m_connection.get()) != 0) {
+        m_notifier.setEnabled(false);
+    }
 }
 
 void XcbFocusWatcher::handle(const xcb_property_notify_event_t& event) {
