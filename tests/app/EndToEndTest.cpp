@@ -207,15 +207,6 @@ TEST_F(EndToEnd, AFirstStartFromAFolderThatCannotBeWrittenKeepsItsFilesWithTheUs
     EXPECT_EQ(entriesIn(m_bin), QStringList{"kestrelview"});
 }
 
-// The second of each picture's name.
-QList<QDateTime> stamps(const QStringList& files) {
-    QList<QDateTime> seconds;
-    for (const QString& file : files) {
-        seconds << QDateTime::fromString(file.left(19), "yyyy-MM-dd-HH-mm-ss");
-    }
-    return seconds;
-}
-
 // What a window manager says when a window of class "vault" takes the focus, and when none has it.
 void focusVault(bool on) {
     const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> c(xcb_connect(nullptr, nullptr),
@@ -237,13 +228,14 @@ void focusVault(bool on) {
     }
     xcb_change_property(c.get(), XCB_PROP_MODE_REPLACE, root, atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW, 32,
                         1, &window);
-    std::free(xcb_get_input_focus_reply(c.get(), xcb_get_input_focus(c.get()),
-                                        nullptr)); // all done before the close
+    // Done, all of it, before the close.
+    std::free(xcb_get_input_focus_reply(c.get(), xcb_get_input_focus(c.get()), nullptr));
 }
 
 // Each of the desktop's locks: while it holds no run starts, and at the next expiry after it
 // one run does; the state is told on the bus. logind's is on a system bus of the test's own.
-TEST_F(EndToEnd, NoRunStartsWhileTheSessionIsLockedAndOneAtTheNextExpiryAfter) {
+// Then a private window by its class.
+TEST_F(EndToEnd, NoRunStartsWhileTheSessionIsLockedOrAPrivateWindowHasTheFocus) {
     QProcess systemBus;
     systemBus.start("dbus-daemon", {"--session", "--nofork", "--print-address=1"});
     ASSERT_TRUE(systemBus.waitForReadyRead(10000)) << "no system bus";
@@ -269,7 +261,10 @@ TEST_F(EndToEnd, NoRunStartsWhileTheSessionIsLockedAndOneAtTheNextExpiryAfter) {
         lock(false);
         const QDateTime unlocked = QDateTime::currentDateTime().addSecs(-1);
         EXPECT_TRUE(QTest::qWaitFor([&] { return status() == "Running"; }, 15000));
-        const QList<QDateTime> taken = stamps(pictures(m_pictures, before + 2));
+        QList<QDateTime> taken; // the second of each picture's name
+        for (const QString& file : pictures(m_pictures, before + 2)) {
+            taken << QDateTime::fromString(file.left(19), "yyyy-MM-dd-HH-mm-ss");
+        }
         EXPECT_TRUE(
             std::none_of(taken.begin(), taken.end(), [&](auto at) { return at > locked && at < unlocked; }));
         EXPECT_LE(unlocked.secsTo(taken.value(before)), 4) << "at the next expiry";
