@@ -6,8 +6,9 @@
 
 // Why the capture schedule waits. While any reason holds, no capture starts, the countdown stands
 // and reads the word of the first that holds in the table of WaitReason.cpp, and expiries are lost;
-// the schedule goes on by itself at the next expiry after the last reason ends. A new reason is a
-// line here and a line in that table.
+// the schedule goes on by itself at the next expiry after the last reason ends. A reason that the
+// table marks as not holding back the runs is only said: the count and the runs go on. A new reason
+// is a line here and a line in that table.
 enum class WaitReason {
     Paused,         // the user's pause
     Suspended,      // a window that suspends the schedule is open
