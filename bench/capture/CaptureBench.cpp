@@ -4,6 +4,7 @@
 // Usage: capture_bench [--paint IMAGE] [--memory] [--portal] [--runs N] [--folder DIR]
 
 #include "capture/CaptureRun.h"
+#include "capture/ScreenSignature.h"
 #include "platform/Clock.h"
 #include "platform/jpeg/JpegFile.h"
 #include "platform/screen/PortalScreenshot.h"
@@ -27,6 +28,7 @@
 #include <functional>
 #include <future>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include <jpeglib.h>
@@ -251,11 +253,14 @@ int main(int argc, char** argv) {
         QDir().mkpath(dir);
         const std::optional<Picture> pixels = grabOnce(*grabber, area);
         // Taken in turns, so that whatever else the machine does weighs on each figure alike.
-        std::vector<double> floorTimes, grabTimes, writeTimes, captureTimes;
+        std::vector<double> floorTimes, grabTimes, writeTimes, captureTimes, compareTimes;
+        const ScreenSignature last = screenSignature(*pixels);
         std::size_t floorSize = 0;
         for (int i = 0; i < runs; ++i) {
             floorTimes.push_back(timeMs([&] { floorSize = standardProgressiveEncode(*pixels); }));
             grabTimes.push_back(timeMs([&] { grabOnce(*grabber, area); }));
+            compareTimes.push_back(
+                timeMs([&] { std::ignore = looksUnchanged(last, screenSignature(*pixels)); }));
             writeTimes.push_back(
                 timeMs([&] { writeProgressiveJpeg(*pixels, kQuality, dir + "/written.jpg"); }));
             captureTimes.push_back(
@@ -265,6 +270,7 @@ int main(int argc, char** argv) {
         const double grabMs = median(grabTimes);
         const double writeMs = median(writeTimes);
         const double captureMs = median(captureTimes);
+        const double compareMs = median(compareTimes);
         const QString crop =
             QString("%1x%2+%3+%4").arg(area.width()).arg(area.height()).arg(area.x()).arg(area.y());
         const double importMs = processMs(
@@ -278,6 +284,8 @@ int main(int argc, char** argv) {
         std::printf("  grab alone                 %8.1f ms\n", grabMs);
         std::printf("  encode+write+rename alone  %8.1f ms\n", writeMs);
         std::printf("  capture (grab+encode+file) %8.1f ms\n", captureMs);
+        std::printf("  unchanged-screen comparison %7.2f ms = %.1f%% of encode+write (target < 5%%)\n",
+                    compareMs, 100 * compareMs / writeMs);
         std::printf("  floor: standard progressive encode in memory %8.1f ms (%zu KiB)\n", floorMs,
                     floorSize / 1024);
         std::printf("  import -crop, whole process %8.1f ms\n", importMs);

@@ -2,6 +2,7 @@
 
 #include "app/WindowSettings.h"
 #include "app/wAbout.h"
+#include "base/Messages.h"
 #include "base/Resources.h"
 #include "base/ScheduleSuspension.h"
 #include "base/UnhandledException.h"
@@ -9,6 +10,7 @@
 #include "base/mProgramInfo.h"
 #include "capture/CameraLink.h"
 #include "capture/CaptureRunner.h"
+#include "capture/FreeSpaceWatch.h"
 #include "feedback/DockIcon.h"
 #include "feedback/Speech.h"
 #include "feedback/WindowTransition.h"
@@ -36,6 +38,7 @@ constexpr QSize kImageWellSize(200, 193);
 constexpr QRect kCountDownFrame(20, 158, 100, 20);
 // The update record of this platform's release.
 const QString kUpdateKey = QStringLiteral("kestrelview_linux");
+const QString kDiskFull = QStringLiteral("The Disk Is Full: Captures Go On When It Has Room Again ...");
 
 Qt::WindowFlags mainWindowFlags() {
     return Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
@@ -89,6 +92,7 @@ wMain::wMain(CaptureRunner& runner, ProgramSpeech& speech, ScheduleSuspension& s
     m_timCountDown.setEnabled(true);
     connect(&m_suspension, &ScheduleSuspension::changed, this, &wMain::suspensionChanged);
     suspensionChanged();
+    connect(&m_runner.freeSpace(), &FreeSpaceWatch::diskFullChanged, this, &wMain::diskFullChanged);
 }
 
 // The windows that go with this one let the suspension go, which must not reach it any more.
@@ -149,6 +153,17 @@ void wMain::suspensionChanged() {
         m_schedule.setWaiting(WaitReason::Suspended,
                               m_suspension.pSpecialWindowOpen() && !m_suspension.stranded());
         m_schedule.setWaiting(WaitReason::LeftSuspended, m_suspension.stranded());
+    });
+}
+
+// Told once each time the disk fills: the schedule waits, and nothing more is said until it has
+// gone on again.
+void wMain::diskFullChanged(bool full) {
+    runGuarded([&] {
+        m_schedule.setWaiting(WaitReason::DiskFull, full);
+        if (full) {
+            mCodeBaseStd::sDisplayWarningMessage(kDiskFull);
+        }
     });
 }
 
@@ -324,7 +339,7 @@ void wMain::startCaptureRun() {
     mGeneralSettings::Prefs prefs = mGeneralSettings::current();
     // While a private window has the focus a run takes the camera's photograph alone.
     prefs.pUseScreen = prefs.pUseScreen && !m_schedule.waiting(WaitReason::PrivateScreens);
-    m_runner.Run(CaptureRunInput{prefs, screenAreas()});
+    m_runner.Run(CaptureRunInput{prefs, screenAreas(), mPolicies::current()});
 }
 
 void wMain::waitingChanged(const QString& status) {

@@ -78,6 +78,7 @@ private:
     void timCountDown_Action();
     void timSnapShot_Action();
     void suspensionChanged();
+    void diskFullChanged(bool full);
 
     // ScheduleHost
     mGeneralSettings::Prefs settings() const override;

@@ -10,16 +10,20 @@ namespace {
 constexpr int kNameChoices = 1000;
 } // namespace
 
-void writeCaptureFile(const Picture& picture, int quality, const QString& destination,
+bool writeCaptureFile(const Picture& picture, int quality, const QString& destination,
                       const CaptureStamp& stamp, const QString& tag) {
     // Asked anew for each file, so a folder that went away since the last one comes back.
     const std::optional<QString> folder = GetFolderItem(destination, FolderPlace::Pictures);
     if (!folder) {
-        return;
+        return false;
     }
     CreateAsFolder(*folder);
     const QDir into(*folder);
-    writeNewProgressiveJpeg(picture, quality, [&](int choice) {
-        return choice <= kNameChoices ? into.filePath(captureFileName(stamp, tag, choice)) : QString();
-    });
+    return writeNewProgressiveJpeg(picture, quality,
+                                   [&](int choice) {
+                                       return choice <= kNameChoices
+                                                  ? into.filePath(captureFileName(stamp, tag, choice))
+                                                  : QString();
+                                   })
+        .has_value();
 }

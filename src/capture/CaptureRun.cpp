@@ -5,12 +5,27 @@
 #include "base/mCodeBaseGlv.h"
 #include "capture/CameraLink.h"
 #include "capture/CaptureFile.h"
+#include "capture/UnchangedScreens.h"
 #include "platform/Clock.h"
 #include "platform/screen/ScreenGrabber.h"
 
 namespace {
+// Writes one screen's picture unless it shows what the last one written for it showed.
+void keepScreen(const CaptureRunInput& input, int index, const Picture& picture, const CaptureStamp& stamp,
+                UnchangedScreens* unchanged) {
+    const bool compared = unchanged && input.policies.pSkipUnchanged;
+    if (compared && !unchanged->wanted(index, screenSignature(picture), input.policies.pKeepEveryRuns)) {
+        return;
+    }
+    if (!writeCaptureFile(picture, input.prefs.pQuality, input.prefs.pDestination, stamp,
+                          QString::number(index)) &&
+        compared) {
+        unchanged->notWritten(index);
+    }
+}
+
 void takeScreen(const CaptureRunInput& input, int index, ScreenRun& screens, const Clock& clock,
-                const std::stop_token& stop) {
+                const std::stop_token& stop, UnchangedScreens* unchanged) {
     // Only this screen's pixels are held; they go at the end of the pass.
     const std::optional<Picture> picture =
         index < input.screens.size() ? screens.grab(input.screens.at(index)) : std::nullopt;
@@ -20,12 +35,11 @@ void takeScreen(const CaptureRunInput& input, int index, ScreenRun& screens, con
     if (!picture || picture->isNull()) {
         throw NilObjectException("screen " + std::to_string(index) + " could not be grabbed");
     }
-    writeCaptureFile(*picture, input.prefs.pQuality, input.prefs.pDestination, captureStamp(clock.now()),
-                     QString::number(index));
+    keepScreen(input, index, *picture, captureStamp(clock.now()), unchanged);
 }
 
 void takeScreens(const CaptureRunInput& input, ScreenGrabber& grabber, const Clock& clock,
-                 const std::stop_token& stop) {
+                 const std::stop_token& stop, UnchangedScreens* unchanged) {
     const int count = input.prefs.pPrimaryOnly ? 1 : int(input.screens.size());
     if (count == 0) {
         return;
@@ -43,7 +57,7 @@ void takeScreens(const CaptureRunInput& input, ScreenGrabber& grabber, const Clo
         return;
     }
     for (int index = 0; index < count && !stop.stop_requested(); ++index) {
-        takeScreen(input, index, *start.run, clock, stop);
+        takeScreen(input, index, *start.run, clock, stop, unchanged);
     }
 }
 
@@ -61,9 +75,9 @@ void takeCameraPhoto() {
 
 namespace mCodeBaseStd {
 void sTakePictures(const CaptureRunInput& input, ScreenGrabber& grabber, const Clock& clock,
-                   const std::stop_token& stop) {
+                   const std::stop_token& stop, UnchangedScreens* unchanged) {
     if (input.prefs.pUseScreen) {
-        takeScreens(input, grabber, clock, stop);
+        takeScreens(input, grabber, clock, stop, unchanged);
     }
     if (input.prefs.pUseCamera && !stop.stop_requested()) {
         takeCameraPhoto();

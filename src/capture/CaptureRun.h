@@ -1,6 +1,7 @@
 #pragma once
 
 #include "settings/mGeneralSettings.h"
+#include "settings/mPolicies.h"
 
 #include <QList>
 #include <QRect>
@@ -9,11 +10,13 @@
 
 class ScreenGrabber;
 class Clock;
+class UnchangedScreens;
 
 // What one capture run works from, taken on the GUI thread when the run starts.
 struct CaptureRunInput {
     mGeneralSettings::Prefs prefs;
     QList<QRect> screens; // primary first
+    mPolicies::Policies policies{};
 };
 
 namespace mCodeBaseStd {
@@ -22,7 +25,8 @@ namespace mCodeBaseStd {
 // grabbed, the files of earlier screens staying, and when the desktop refuses the screens after it
 // had not; a refusal repeated skips the screens in silence, as does a desktop still busy with an
 // earlier run.
-// A run told to stop, as at quit, writes no further file.
+// A run told to stop, as at quit, writes no further file. With `unchanged`, a screen that shows
+// what its last picture showed is skipped as the policies say; the camera's photograph never is.
 void sTakePictures(const CaptureRunInput& input, ScreenGrabber& grabber, const Clock& clock,
-                   const std::stop_token& stop = {});
+                   const std::stop_token& stop = {}, UnchangedScreens* unchanged = nullptr);
 } // namespace mCodeBaseStd

@@ -3,6 +3,8 @@
 #include "base/GuiThread.h"
 #include "base/Messages.h"
 #include "base/UnhandledException.h"
+#include "capture/FreeSpaceWatch.h"
+#include "capture/UnchangedScreens.h"
 #include "platform/screen/ScreenGrabber.h"
 
 #include <condition_variable>
@@ -54,6 +56,9 @@ struct CaptureRunner::Impl {
 
     ScreenGrabber& grabber;
     const Clock& clock;
+    // Shared with the runs, which a run stuck at quit may outlive.
+    std::shared_ptr<UnchangedScreens> unchanged = std::make_shared<UnchangedScreens>();
+    FreeSpaceWatch space;
     std::mutex mutex;
     std::list<RunThread> runs;
     bool toldOfStall = false; // GUI thread only
@@ -85,11 +90,17 @@ struct CaptureRunner::Impl {
         // The handle has its place before the thread exists, so that no started thread goes unjoined.
         RunThread& run = runs.emplace_back();
         try {
-            run.thread = std::jthread([&grabber = grabber, &clock = clock, input = std::move(input),
-                                       state = run.state](const std::stop_token& stop) {
-                runGuarded([&] { mCodeBaseStd::sTakePictures(input, grabber, clock, stop); });
-                state->finish();
-            });
+            run.thread =
+                std::jthread([&grabber = grabber, &clock = clock, &space = space, input = std::move(input),
+                              unchanged = unchanged, state = run.state](const std::stop_token& stop) {
+                    runGuarded([&] {
+                        // Below the disk's floor the run writes nothing, not even the camera's photograph.
+                        if (space.admits(input.prefs.pDestination, input.policies.pFreeSpaceFloorMB)) {
+                            mCodeBaseStd::sTakePictures(input, grabber, clock, stop, unchanged.get());
+                        }
+                    });
+                    state->finish();
+                });
         } catch (...) {
             runs.pop_back();
             throw;
@@ -132,6 +143,10 @@ void CaptureRunner::Run(CaptureRunInput input) {
     }
     m_impl->toldOfStall = false;
     m_impl->start(std::move(input));
+}
+
+FreeSpaceWatch& CaptureRunner::freeSpace() {
+    return m_impl->space;
 }
 
 void CaptureRunner::waitForRuns() {

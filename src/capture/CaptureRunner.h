@@ -7,6 +7,7 @@
 
 class ScreenGrabber;
 class Clock;
+class FreeSpaceWatch;
 
 // Starts capture runs, each on a thread of its own, at most two at a time. An exception that
 // leaves a run reaches Event_UnhandledException.
@@ -25,6 +26,8 @@ public:
     // or while the grabber would keep a new run waiting behind an earlier one, the expiry starts
     // none and is lost, and the user is told once until a run starts again. GUI thread.
     void Run(CaptureRunInput input);
+    // Tells when the runs stop and start again for want of room on the disk.
+    FreeSpaceWatch& freeSpace();
     // Blocks until no run is under way.
     void waitForRuns();
     // Waits at most `patience` for the runs under way; those still going are left to end with the

@@ -14,6 +14,8 @@ constexpr std::array kReasons{
     WaitReasonText{WaitReason::OffHours, "Off Hours", "Off Hours"},
     WaitReasonText{WaitReason::Private, "Private", "Private"},
     WaitReasonText{WaitReason::PrivateScreens, "Private", "Private", false},
+    WaitReasonText{WaitReason::DiskFull, "Disk Full",
+                   "Disk Full: captures go on when the disk has room again"},
 };
 
 unsigned bitOf(WaitReason reason) {

@@ -18,6 +18,7 @@ enum class WaitReason {
     OffHours,       // outside the capture days and hours
     Private,        // a private window has the focus, and the run would have nothing else to take
     PrivateScreens, // a private window has the focus: runs go on, without the screens
+    DiskFull,       // the picture folder's disk is below its free-space floor
 };
 
 struct WaitReasonText {

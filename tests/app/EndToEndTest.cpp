@@ -6,6 +6,7 @@
 #include "support/Files.h"
 #include "support/Pixels.h"
 #include "support/Printers.h"
+#include "support/RootPainter.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -14,6 +15,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QPainter>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -25,6 +27,7 @@
 
 #include <cstring>
 #include <functional>
+#include <map>
 #include <set>
 
 #include <unistd.h>
@@ -152,6 +155,8 @@ TEST_F(EndToEnd, LaterStartsHandTheirRequestsToTheRunningInstanceWhichCapturesEv
         writeFile(m_bin + "/KestrelviewScreen.ini",
                   QByteArray(kPlace).replace(">193<", ">0<").replace(">200</pWinWidth", ">0</pWinWidth")));
     EXPECT_EQ(runOnce("--status"), 3) << "none runs";
+    // Every set whole, the screen that does not change too.
+    ASSERT_TRUE(writeFile(m_bin + "/KestrelviewPolicies.ini", "<pSkipUnchanged>FALSE</pSkipUnchanged>\n"));
     start({{"pUpdateAtStartup", "FALSE"}, {"pHideWindow", "TRUE"}, {"pUseSpeech", "FALSE"}});
     const QString bus = m_environment.value("DBUS_SESSION_BUS_ADDRESS");
     const QDBusConnection connection = QDBusConnection::connectToBus(bus, bus);
@@ -276,6 +281,28 @@ TEST_F(EndToEnd, NoRunStartsWhileTheSessionIsLockedOrAPrivateWindowHasTheFocus) 
     focusVault(false);
     EXPECT_TRUE(QTest::qWaitFor([&] { return status() == "Running"; }, 15000));
     quit();
+}
+
+TEST_F(EndToEnd, OnAStillDesktopAScreenIsWrittenOnceInSoManyRunsAndAtOnceWhenItChanges) {
+    ASSERT_TRUE(paintRoot(quadrantPattern(rootSize())));
+    ASSERT_TRUE(writeFile(m_bin + "/KestrelviewPolicies.ini", "<pKeepEveryRuns>4</pKeepEveryRuns>\n"));
+    start({{"pUpdateAtStartup", "FALSE"}, {"pHideWindow", "TRUE"}, {"pUseSpeech", "FALSE"}});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return runOnce("--status") == 0; }, 15000));
+    for (int run = 0; run < 10; ++run) {
+        ASSERT_EQ(runOnce("--capture-now"), 0);
+    }
+    pictures(m_pictures, 6);
+    QImage changed = quadrantPattern(rootSize());
+    QPainter(&changed).fillRect(QRect({kMonitors[0].width(), 0}, kMonitors[1]), Qt::darkCyan);
+    ASSERT_TRUE(paintRoot(changed));
+    ASSERT_EQ(runOnce("--capture-now"), 0);
+    quit();
+    std::map<int, int> perScreen;
+    for (const QString& file : pictures(m_pictures)) {
+        ++perScreen[file.section('-', 6, 6).section('.', 0, 0).toInt()];
+    }
+    // Runs 1, 5 and 9 keep both screens, run 11 the changed one.
+    EXPECT_EQ(perScreen, (std::map<int, int>{{0, 3}, {1, 4}}));
 }
 
 // In the desktop's session: its runtime folder holds the compositor's socket, its bus the portal.

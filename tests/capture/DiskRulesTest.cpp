@@ -1,0 +1,56 @@
+#include "capture/ScreenSignature.h"
+#include "capture/UnchangedScreens.h"
+#include "support/JpegInspection.h"
+#include "support/RootPainter.h"
+
+#include <QPainter>
+
+#include <gtest/gtest.h>
+
+namespace {
+ScreenSignature signatureOf(const QImage& image) {
+    return screenSignature(pictureOf(image));
+}
+
+// A 1920x1080 desktop of noise, so that a change anywhere moves a cell, with small and large changes.
+TEST(UnchangedScreensTest, ACursorOrAClockIsNoChangeButALineOfTextOrAnotherSizeIs) {
+    const QImage desktop = noisePattern({1920, 1080});
+    const auto changedBy = [&](const std::vector<QRect>& spots) {
+        QImage changed = desktop.copy();
+        QPainter painter(&changed);
+        for (const QRect& spot : spots) {
+            painter.fillRect(spot, Qt::white);
+        }
+        return signatureOf(changed);
+    };
+    const ScreenSignature before = signatureOf(desktop);
+    const std::tuple<const char*, ScreenSignature, bool> cases[] = {
+        {"the same", signatureOf(desktop), true},
+        {"a text cursor", changedBy({{700, 400, 2, 18}}), true},
+        {"a clock's digits", changedBy({{1850, 5, 40, 14}}), true},
+        {"a cursor and a clock", changedBy({{700, 400, 2, 18}, {1850, 5, 40, 14}}), true},
+        {"a line of text", changedBy({{100, 500, 400, 16}}), false},
+        {"a window", changedBy({{300, 300, 200, 150}}), false},
+        {"another size", signatureOf(desktop.copy(0, 0, 1920, 1200)), false},
+    };
+    for (const auto& [what, after, unchanged] : cases) {
+        EXPECT_EQ(looksUnchanged(before, after), unchanged) << what;
+    }
+}
+
+TEST(UnchangedScreensTest, AStillScreenIsWrittenOnceInSoManyRunsAndAgainAfterAFailedWrite) {
+    const ScreenSignature still = signatureOf(noisePattern({320, 200}));
+    const ScreenSignature other = signatureOf(quadrantPattern({320, 200}));
+    UnchangedScreens screens;
+    std::string runs;
+    for (int run = 0; run < 7; ++run) {
+        runs += screens.wanted(0, still, 3) ? 'w' : '-';
+    }
+    runs += screens.wanted(1, still, 3) ? 'w' : '-'; // each screen by itself
+    runs += screens.wanted(0, other, 3) ? 'w' : '-';
+    screens.notWritten(0);
+    runs += screens.wanted(0, other, 3) ? 'w' : '-';
+    runs += screens.wanted(0, other, 1) ? 'w' : '-'; // every run kept
+    EXPECT_EQ(runs, "w--w--wwwww");
+}
+} // namespace
