@@ -9,6 +9,11 @@
 #include "platform/Clock.h"
 #include "platform/screen/ScreenGrabber.h"
 
+#include <algorithm>
+#include <deque>
+#include <future>
+#include <thread>
+
 namespace {
 // Writes one screen's picture unless it shows what the last one written for it showed.
 void keepScreen(const CaptureRunInput& input, int index, const Picture& picture, const CaptureStamp& stamp,
@@ -24,18 +29,40 @@ void keepScreen(const CaptureRunInput& input, int index, const Picture& picture,
     }
 }
 
-void takeScreen(const CaptureRunInput& input, int index, ScreenRun& screens, const Clock& clock,
-                const std::stop_token& stop, UnchangedScreens* unchanged) {
-    // Only this screen's pixels are held; they go at the end of the pass.
-    const std::optional<Picture> picture =
-        index < input.screens.size() ? screens.grab(input.screens.at(index)) : std::nullopt;
-    if (stop.stop_requested()) {
-        return;
+// As many pictures are encoded at once as the machine has cores.
+std::size_t encodersAtOnce() {
+    return std::max(1U, std::thread::hardware_concurrency());
+}
+
+// Grabs the screens in their order, each stamped after its grab, and writes them side by side:
+// a run costs about its slowest screen. No more pictures are held than are being written.
+void grabAndWrite(const CaptureRunInput& input, int count, ScreenRun& screens, const Clock& clock,
+                  const std::stop_token& stop, UnchangedScreens* unchanged) {
+    std::deque<std::future<void>> writing;
+    for (int index = 0; index < count && !stop.stop_requested(); ++index) {
+        if (writing.size() >= encodersAtOnce()) {
+            writing.front().get();
+            writing.pop_front();
+        }
+        std::optional<Picture> picture =
+            index < input.screens.size() ? screens.grab(input.screens.at(index)) : std::nullopt;
+        if (stop.stop_requested()) {
+            break;
+        }
+        if (!picture || picture->isNull()) {
+            throw NilObjectException("screen " + std::to_string(index) + " could not be grabbed");
+        }
+        writing.push_back(
+            std::async(std::launch::async, [&input, &stop, index, unchanged, picture = std::move(*picture),
+                                            stamp = captureStamp(clock.now())] {
+                if (!stop.stop_requested()) {
+                    keepScreen(input, index, picture, stamp, unchanged);
+                }
+            }));
     }
-    if (!picture || picture->isNull()) {
-        throw NilObjectException("screen " + std::to_string(index) + " could not be grabbed");
+    for (std::future<void>& write : writing) {
+        write.get();
     }
-    keepScreen(input, index, *picture, captureStamp(clock.now()), unchanged);
 }
 
 void takeScreens(const CaptureRunInput& input, ScreenGrabber& grabber, const Clock& clock,
@@ -56,9 +83,7 @@ void takeScreens(const CaptureRunInput& input, ScreenGrabber& grabber, const Clo
         }
         return;
     }
-    for (int index = 0; index < count && !stop.stop_requested(); ++index) {
-        takeScreen(input, index, *start.run, clock, stop, unchanged);
-    }
+    grabAndWrite(input, count, *start.run, clock, stop, unchanged);
 }
 
 void takeCameraPhoto() {

@@ -5,10 +5,12 @@
 #include <xcb/shm.h>
 #include <xcb/xcb.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <mutex>
 #include <utility>
+#include <vector>
 
 #include <sys/ipc.h>
 #include <sys/shm.h>
@@ -20,6 +22,8 @@ struct Disconnect {
 using ConnectionPtr = std::unique_ptr<xcb_connection_t, Disconnect>;
 
 constexpr int kBitsPerPixel = 32;
+// One a screen of a run of two, whose screens are read while the others are written.
+constexpr std::size_t kSpares = 2;
 
 // The encoder takes the pixels as BGRX bytes, which is what a little-endian server sends for
 // depth 24 (and 32, whose alpha byte is ignored) at 32 bits a pixel.
@@ -97,26 +101,32 @@ struct XcbScreenGrabber::Server {
         return (bits + scanlinePadBits - 1) / scanlinePadBits * scanlinePadBits / 8;
     }
 
-    // The spare when it is big enough, so that no two grabs ever hold the same segment.
+    // The smallest spare that is big enough, so that no two grabs ever hold the same segment.
     std::optional<Segment> takeSegment(std::size_t size) {
         {
             std::lock_guard lock(mutex);
-            if (spare && spare->size >= size) {
-                return std::exchange(spare, std::nullopt);
+            const auto fits =
+                std::ranges::find_if(spares, [size](const Segment& spare) { return spare.size >= size; });
+            if (fits != spares.end()) {
+                Segment taken = std::move(*fits);
+                spares.erase(fits);
+                return taken;
             }
         }
         return newSegment(size);
     }
 
-    // Kept as the spare when it is the biggest yet, released otherwise.
+    // Kept as a spare, smallest first; beyond kSpares the smallest is released.
     void giveBack(Segment segment) {
         std::optional<Segment> unwanted;
         {
             std::lock_guard lock(mutex);
-            if (!spare || spare->size < segment.size) {
-                unwanted = std::exchange(spare, std::move(segment));
-            } else {
-                unwanted = std::move(segment);
+            const auto place = std::ranges::find_if(
+                spares, [&segment](const Segment& spare) { return spare.size >= segment.size; });
+            spares.insert(place, std::move(segment));
+            if (spares.size() > kSpares) {
+                unwanted = std::move(spares.front());
+                spares.erase(spares.begin());
             }
         }
         if (unwanted) {
@@ -156,7 +166,7 @@ struct XcbScreenGrabber::Server {
     const int scanlinePadBits;
     std::atomic<bool> sharedMemory;
     std::mutex mutex;
-    std::optional<Segment> spare;
+    std::vector<Segment> spares;
 };
 
 std::unique_ptr<XcbScreenGrabber> XcbScreenGrabber::connect(Transport transport) {

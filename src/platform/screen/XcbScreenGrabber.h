@@ -8,8 +8,9 @@
 // through MIT-SHM where the server can attach our memory, GetImage otherwise. The picture is the
 // server's BGRX memory itself; its owner gives the segment back, or frees the reply.
 //
-// One spare segment, the largest given back, stays attached between grabs: a fresh one costs
-// page faults on both sides of the socket that take longer than the copy itself.
+// Two spare segments, the largest given back, stay attached between grabs, one for each screen
+// of a run whose screens are written side by side: a fresh one costs page faults on both sides of
+// the socket that take longer than the copy itself.
 class XcbScreenGrabber final : public ScreenGrabber {
 public:
     enum class Transport { SharedMemoryFirst, GetImageOnly };
