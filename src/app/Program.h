@@ -5,6 +5,7 @@
 #include "capture/CameraLink.h"
 #include "capture/CaptureRunner.h"
 #include "feedback/Speech.h"
+#include "history/PictureRetirement.h"
 #include "platform/session/SessionChannel.h"
 #include "schedule/PresenceRules.h"
 
@@ -19,8 +20,9 @@ class ScreenGrabber;
 class wMain;
 
 // The program's long-lived parts, each handed what it needs. They are made in this order and go
-// in the reverse one: the watchers of the desktop first, then the windows, then the capture runs (joined),
-// the camera link's streaming threads, and the speech thread. Needs the application object.
+// in the reverse one: the letting go of old pictures (joined), the watchers of the desktop, then
+// the windows, then the capture runs (joined), the camera link's streaming threads, and the speech
+// thread. Needs the application object.
 class Program {
 public:
     explicit Program(const Clock& clock);
@@ -43,6 +45,7 @@ private:
     std::unique_ptr<wMain> m_main;
     QPointer<Menu> m_menu;
     std::unique_ptr<PresenceRules> m_presence;
+    PictureRetirement m_retirement;
 };
 
 // The program itself, as the one instance in the session: its windows, the capture schedule and

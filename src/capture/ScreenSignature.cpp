@@ -5,6 +5,8 @@
 #include <cstring>
 
 namespace {
+constexpr int kRowStep = 4;
+
 // Brightness weighted 1:2:1 for red, green and blue, four times over; in 32-bit lanes, so that the
 // compiler turns the loop into vector code.
 std::uint32_t sumBgrx(const std::uint8_t* bytes, int pixels) {
@@ -49,7 +51,7 @@ ScreenSignature screenSignature(const Picture& picture) {
         const int top = gridStart(row, ScreenSignature::kRows, picture.height);
         const int bottom = gridEnd(row, ScreenSignature::kRows, picture.height);
         int rowsRead = 0;
-        for (int y = top; y < bottom; y += 2, ++rowsRead) {
+        for (int y = top; y < bottom; y += kRowStep, ++rowsRead) {
             const std::uint8_t* line = picture.bits + std::size_t(y) * std::size_t(picture.strideBytes);
             for (int column = 0; column < kColumns; ++column) {
                 const int left = gridStart(column, kColumns, picture.width);
