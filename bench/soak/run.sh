@@ -1,16 +1,18 @@
 #!/usr/bin/env bash
-# Runs the real program from a copy of its folder on a private display and reports
+# Runs the real program from a copy of its folder on a private display of two monitors and reports
 #  - its CPU use while it waits between captures (one minute at the default 300-second interval),
 #    with every rule of "More ..." on,
-#  - its resident memory over many captures (one a second), to see whether it grows.
-# Usage: bench/soak/run.sh [CAPTURES]   (default 500; build first with KV_TESTS=ON scripts/build)
+#  - its resident memory over many capture runs (one a second) while the desktop changes, to see
+#    whether it grows, and whether every picture written is whole and nothing half-written is left.
+# Usage: bench/soak/run.sh [RUNS]   (default 500; build first with KV_TESTS=ON scripts/build)
 set -euo pipefail
 root=$(cd "$(dirname "$0")/../.." && pwd)
 captures=${1:-500}
 
 if [ "${KV_SOAK_INNER:-}" != 1 ]; then
     export KV_SOAK_INNER=1
-    exec "$root/tests/support/xvfb-run.sh" --size 1920x1080 -- "$0" "$captures"
+    exec "$root/tests/support/xvfb-run.sh" --size 3200x1080 \
+        --monitor '*A:1920x1080+0+0' --monitor B:1280x1024+1920+0 -- "$0" "$captures"
 fi
 
 work=$(mktemp -d)
@@ -40,16 +42,20 @@ write_policies() {
 cpu_ticks() { awk '{print $14 + $15}' "/proc/$1/stat"; }
 rss_kb() { awk '/^VmRSS/ {print $2}' "/proc/$1/status"; }
 count() { find "$pictures" -name '*.jpg' 2>/dev/null | wc -l; }
-wait_for_count() { # n pid
-    while [ "$(count)" -lt "$1" ]; do
-        kill -0 "$2" 2>/dev/null || { echo "the program ended early" >&2; exit 1; }
-        sleep 0.5
+
+# The desktop shows something that compresses like a photograph, and changes now and then.
+for seed in 7 8 9; do
+    convert -size 3200x1080 -seed $seed plasma:fractal "$work/desktop-$seed.png"
+done
+"$build/bench/capture/capture_bench" --paint "$work/desktop-7.png" --memory >/dev/null
+change_desktop() {
+    while :; do
+        for seed in 8 9 7; do
+            display -window root "$work/desktop-$seed.png"
+            sleep 3
+        done
     done
 }
-
-# The desktop shows something that compresses like a photograph.
-convert -size 1920x1080 -seed 7 plasma:fractal "$work/desktop.png"
-"$build/bench/capture/capture_bench" --paint "$work/desktop.png" --memory >/dev/null
 
 write_prefs 300
 write_policies
@@ -68,23 +74,34 @@ echo "idle CPU, one minute between captures, every rule of More ... on: ${idle}%
 echo "<pIdleMinutes>0</pIdleMinutes>" >"$bin/KestrelviewPolicies.ini"
 
 write_prefs 1
+change_desktop &
+painter=$!
 "$bin/kestrelview" &
 app=$!
-wait_for_count 20 $app
+trap 'kill $painter 2>/dev/null; rm -rf "$work"' EXIT
+sleep 20
 rss_early=$(rss_kb $app)
-echo "resident memory after 20 captures: ${rss_early} kB"
+echo "resident memory after 20 runs: ${rss_early} kB"
 # Samples along the way tell a plateau (allocator arenas of short-lived threads) from a leak.
 rss_warm=
 for n in $(seq 100 100 "$captures"); do
-    wait_for_count "$n" $app
+    sleep 100
+    kill -0 $app 2>/dev/null || { echo "the program ended early" >&2; exit 1; }
     rss=$(rss_kb $app)
     rss_warm=${rss_warm:-$rss}
-    echo "  after $n: $rss kB"
+    echo "  after $n runs: $rss kB, $(count) pictures"
 done
-wait_for_count "$captures" $app
 rss_late=$(rss_kb $app)
 kill $app
 wait $app 2>/dev/null || true
 ratio() { awk -v a="$1" -v b="$2" 'BEGIN { printf "%.3f", b / a }'; }
 echo "after ${captures} / after 20: $(ratio "$rss_early" "$rss_late");" \
     "after ${captures} / after 100, once warm: $(ratio "${rss_warm:-$rss_early}" "$rss_late") (target: about 1.0)"
+broken=0
+while IFS= read -r -d '' picture; do
+    djpeg "$picture" >/dev/null 2>&1 || broken=$((broken + 1))
+done < <(find "$pictures" -name '*.jpg' -print0)
+for screen in 0 1; do
+    echo "screen $screen: $(find "$pictures" -name "*-$screen.jpg" -o -name "*-$screen-[0-9]*.jpg" | wc -l) pictures"
+done
+echo "pictures that do not decode: $broken; other files left: $(find "$pictures" -type f ! -name '*.jpg' | wc -l)"
