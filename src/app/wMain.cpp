@@ -45,6 +45,17 @@ Qt::WindowFlags mainWindowFlags() {
            Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint;
 }
 
+// Where the window stands in the screens' device pixels; empty while hidden or where the
+// compositor keeps its place to itself.
+QRect ownWindowArea(const QWidget& window) {
+    if (!window.isVisible() || !platform::windowPlacesAreKnown()) {
+        return {};
+    }
+    const QRect frame = window.frameGeometry();
+    const qreal scale = window.devicePixelRatioF();
+    return {(QPointF(frame.topLeft()) * scale).toPoint(), (QSizeF(frame.size()) * scale).toSize()};
+}
+
 QLabel* makeCountDownLabel(QWidget* parent) {
     auto* label = new QLabel("...", parent);
     label->setObjectName("sttCountDown");
@@ -339,7 +350,7 @@ void wMain::startCaptureRun() {
     mGeneralSettings::Prefs prefs = mGeneralSettings::current();
     // While a private window has the focus a run takes the camera's photograph alone.
     prefs.pUseScreen = prefs.pUseScreen && !m_schedule.waiting(WaitReason::PrivateScreens);
-    m_runner.Run(CaptureRunInput{prefs, screenAreas(), mPolicies::current()});
+    m_runner.Run(CaptureRunInput{prefs, screenAreas(), mPolicies::current(), ownWindowArea(*this)});
 }
 
 void wMain::waitingChanged(const QString& status) {

@@ -19,7 +19,9 @@ namespace {
 void keepScreen(const CaptureRunInput& input, int index, const Picture& picture, const CaptureStamp& stamp,
                 UnchangedScreens* unchanged) {
     const bool compared = unchanged && input.policies.pSkipUnchanged;
-    if (compared && !unchanged->wanted(index, screenSignature(picture), input.policies.pKeepEveryRuns)) {
+    const QRect ownWindow = input.ownWindow.translated(-input.screens.value(index).topLeft());
+    if (compared &&
+        !unchanged->wanted(index, screenSignature(picture, ownWindow), input.policies.pKeepEveryRuns)) {
         return;
     }
     if (!writeCaptureFile(picture, input.prefs.pQuality, input.prefs.pDestination, stamp,

@@ -17,6 +17,9 @@ struct CaptureRunInput {
     mGeneralSettings::Prefs prefs;
     QList<QRect> screens; // primary first
     mPolicies::Policies policies{};
+    // The program's own main window in the same pixels, left out when screens are compared: it
+    // shows white while a run starts. Empty while hidden or where its place is not known.
+    QRect ownWindow{};
 };
 
 namespace mCodeBaseStd {

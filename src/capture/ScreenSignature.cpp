@@ -38,7 +38,7 @@ int gridEnd(int line, int lines, int length) {
 }
 } // namespace
 
-ScreenSignature screenSignature(const Picture& picture) {
+ScreenSignature screenSignature(const Picture& picture, const QRect& leftOut) {
     ScreenSignature signature{picture.width, picture.height, {}};
     if (picture.isNull()) {
         return signature;
@@ -61,6 +61,11 @@ ScreenSignature screenSignature(const Picture& picture) {
             }
         }
         for (int column = 0; column < kColumns; ++column) {
+            const QRect cell(QPoint(gridStart(column, kColumns, picture.width), top),
+                             QPoint(gridEnd(column, kColumns, picture.width) - 1, bottom - 1));
+            if (cell.intersects(leftOut)) {
+                continue;
+            }
             const int pixels =
                 gridEnd(column, kColumns, picture.width) - gridStart(column, kColumns, picture.width);
             signature.cells[std::size_t(row * kColumns + column)] = std::uint8_t(

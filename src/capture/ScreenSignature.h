@@ -2,6 +2,8 @@
 
 #include "platform/Picture.h"
 
+#include <QRect>
+
 #include <array>
 #include <cstdint>
 
@@ -17,7 +19,8 @@ struct ScreenSignature {
     std::array<std::uint8_t, kColumns * kRows> cells{};
 };
 
-ScreenSignature screenSignature(const Picture& picture);
+// The cells that meet `leftOut` (in the picture's pixels) stay 0, so that it is not compared.
+ScreenSignature screenSignature(const Picture& picture, const QRect& leftOut = {});
 
 // True when `a` and `b` show the same screen but for a few small spots, such as a blinking cursor
 // or a ticking clock: at most kSpotsAllowed cells whose brightness moved by more than
