@@ -78,7 +78,7 @@ change_desktop &
 painter=$!
 "$bin/kestrelview" &
 app=$!
-trap 'kill $painter 2>/dev/null; rm -rf "$work"' EXIT
+trap 'status=$?; kill $painter 2>/dev/null; rm -rf "$work"; exit $status' EXIT
 sleep 20
 rss_early=$(rss_kb $app)
 echo "resident memory after 20 runs: ${rss_early} kB"
@@ -104,4 +104,6 @@ done < <(find "$pictures" -name '*.jpg' -print0)
 for screen in 0 1; do
     echo "screen $screen: $(find "$pictures" -name "*-$screen.jpg" -o -name "*-$screen-[0-9]*.jpg" | wc -l) pictures"
 done
-echo "pictures that do not decode: $broken; other files left: $(find "$pictures" -type f ! -name '*.jpg' | wc -l)"
+left=$(find "$pictures" -type f ! -name '*.jpg' | wc -l)
+echo "pictures that do not decode: $broken; other files left: $left"
+[ "$broken" -eq 0 ] && [ "$left" -eq 0 ]

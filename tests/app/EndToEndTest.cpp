@@ -248,7 +248,9 @@ TEST_F(EndToEnd, NoRunStartsWhileTheSessionIsLockedOrAPrivateWindowHasTheFocus) 
     m_environment.insert("DBUS_SYSTEM_BUS_ADDRESS", systemAddress);
     PresenceServices desktop(m_environment.value("DBUS_SESSION_BUS_ADDRESS"), systemAddress);
     ASSERT_TRUE(desktop.registered);
-    ASSERT_TRUE(writeFile(m_bin + "/KestrelviewPolicies.ini", "<pPrivateWindows>Vault</pPrivateWindows>\n"));
+    ASSERT_TRUE(
+        writeFile(m_bin + "/KestrelviewPolicies.ini",
+                  "<pPrivateWindows>Vault</pPrivateWindows>\n<pSkipUnchanged>FALSE</pSkipUnchanged>\n"));
     start({{"pInterval", "2"},
            {"pUpdateAtStartup", "FALSE"},
            {"pHideWindow", "TRUE"},
