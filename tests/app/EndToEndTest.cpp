@@ -248,6 +248,7 @@ TEST_F(EndToEnd, NoRunStartsWhileTheSessionIsLockedOrAPrivateWindowHasTheFocus) 
     m_environment.insert("DBUS_SYSTEM_BUS_ADDRESS", systemAddress);
     PresenceServices desktop(m_environment.value("DBUS_SESSION_BUS_ADDRESS"), systemAddress);
     ASSERT_TRUE(desktop.registered);
+    // Every run writes, on a desktop that does not change.
     ASSERT_TRUE(
         writeFile(m_bin + "/KestrelviewPolicies.ini",
                   "<pPrivateWindows>Vault</pPrivateWindows>\n<pSkipUnchanged>FALSE</pSkipUnchanged>\n"));
