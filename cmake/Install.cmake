@@ -56,10 +56,10 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE http://www.kestrelview.com/)
 # The libraries it links come from dpkg-shlibdeps; these it loads at run time: Qt's display
-# plugins, and the camera's GStreamer elements.
+# plugins, the camera's GStreamer elements, and the reader's English model.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS
-    "qt6-qpa-plugins, qt6-wayland, gstreamer1.0-plugins-base, gstreamer1.0-plugins-good, espeak-ng-data")
+    "qt6-qpa-plugins, qt6-wayland, gstreamer1.0-plugins-base, gstreamer1.0-plugins-good, espeak-ng-data, tesseract-ocr-eng")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-user-dirs, ca-certificates")
 set(CPACK_STRIP_FILES ON)
 include(CPack)

@@ -39,6 +39,18 @@ CommandLine failure(const QString& text) {
 }
 
 CommandLine forRunningProgram(const QCommandLineParser& parser, const QCommandLineOption& autostart);
+
+CommandLine searchLine(const std::variant<std::monostate, SearchOptions, QString>& search, bool timelapse) {
+    if (const auto* error = std::get_if<QString>(&search)) {
+        return failure(*error);
+    }
+    if (timelapse) {
+        return failure("Give --search or --make-timelapse, not both.");
+    }
+    CommandLine line = ending(CommandLine::Action::Search, {});
+    line.search = std::get<SearchOptions>(search);
+    return line;
+}
 } // namespace
 
 CommandLine parseCommandLine(const QStringList& arguments) {
@@ -57,6 +69,7 @@ CommandLine parseCommandLine(const QStringList& arguments) {
     }
     parser.addOption(autostart);
     addTimelapseOptions(parser);
+    addSearchOptions(parser);
     if (!parser.parse(arguments)) {
         return failure(parser.errorText());
     }
@@ -75,6 +88,10 @@ CommandLine parseCommandLine(const QStringList& arguments) {
     if (parser.isSet(version)) {
         return ending(CommandLine::Action::Print,
                       mProgramInfo::pProgramName + ' ' + mProgramInfo::pProgramVersion + '\n');
+    }
+    const auto search = readSearchOptions(parser);
+    if (!std::holds_alternative<std::monostate>(search)) {
+        return searchLine(search, parser.isSet(QStringLiteral("make-timelapse")));
     }
     const auto timelapse = readTimelapseOptions(parser);
     if (const auto* error = std::get_if<QString>(&timelapse)) {

@@ -2,6 +2,7 @@
 
 #include "history/TimelapsePlan.h"
 #include "platform/session/SessionChannel.h"
+#include "search/SearchCommand.h"
 
 #include <QString>
 #include <QStringList>
@@ -17,12 +18,14 @@ struct CommandLine {
         Autostart,     // write or remove the autostart entry and end
         Status,        // print the running instance's state and end
         MakeTimelapse, // make `timelapse` in this process, beside any running instance, and end
+        Search,        // print the pictures that `search` finds, beside any running instance, and end
     };
     Action action = Action::Run;
     // For the running instance; a plain start asks it to show itself.
     std::optional<SessionCommand> command;
     bool autostart = false;
     std::optional<TimelapseOptions> timelapse;
+    std::optional<SearchOptions> search;
     QString text;
 };
 

@@ -12,6 +12,7 @@
 #include "platform/screen/ScreenGrabber.h"
 #include "settings/mGeneralSettings.h"
 #include "settings/mPolicies.h"
+#include "search/TextIndex.h"
 #include "slideshow/wMovie.h"
 
 #include <QCoreApplication>
@@ -25,6 +26,7 @@ const char* const kNoAnswer = "Kestrelview is already running but did not answer
 Program::Program(const Clock& clock)
     : m_camera(productCameraServices(clock))
     , m_grabber(makeScreenGrabber())
+    , m_search(TextIndex::defaultPath())
     , m_runner(*m_grabber, clock)
     , m_main(std::make_unique<wMain>(m_runner, m_speech, m_suspension, m_camera))
     , m_menu(new Menu(m_applicationHandlers))
@@ -32,6 +34,8 @@ Program::Program(const Clock& clock)
           desktopPresenceWatchers(),
           PresenceRules::Inputs{mPolicies::current, [] { return mGeneralSettings::current().pUseCamera; }},
           clock, m_main->waitReasons())) {
+    m_runner.setScreenPictureSink(
+        [this](const QString& path, const Picture& picture) { m_search.pictureWritten(path, picture); });
     _ApplicationAddMenuHandlers(m_applicationHandlers, *m_main);
     connectMainWindow(*m_main, *m_menu);
 }

@@ -8,6 +8,7 @@
 #include "history/PictureRetirement.h"
 #include "platform/session/SessionChannel.h"
 #include "schedule/PresenceRules.h"
+#include "search/TextSearch.h"
 
 #include <QPointer>
 
@@ -21,8 +22,8 @@ class wMain;
 
 // The program's long-lived parts, each handed what it needs. They are made in this order and go
 // in the reverse one: the letting go of old pictures (joined), the watchers of the desktop, then
-// the windows, then the capture runs (joined), the camera link's streaming threads, and the speech
-// thread. Needs the application object.
+// the windows, then the capture runs (joined), the reader of the pictures' text (joined), the camera
+// link's streaming threads, and the speech thread. Needs the application object.
 class Program {
 public:
     explicit Program(const Clock& clock);
@@ -33,6 +34,7 @@ public:
     wMain& mainWindow() { return *m_main; }
     Menu& menu();
     CaptureRunner& runner() { return m_runner; }
+    TextSearch& textSearch() { return m_search; }
     const ScheduleSuspension& suspension() const { return m_suspension; }
 
 private:
@@ -41,6 +43,7 @@ private:
     ProgramSpeech m_speech;
     CameraLinkOwner m_camera;
     std::unique_ptr<ScreenGrabber> m_grabber;
+    TextSearch m_search; // outlives the runs that hand it their pictures
     CaptureRunner m_runner;
     std::unique_ptr<wMain> m_main;
     QPointer<Menu> m_menu;

@@ -32,6 +32,8 @@ int main(int argc, char** argv) {
     }
     case CommandLine::Action::MakeTimelapse:
         return runTimelapseCommand(argc, argv, *line.timelapse);
+    case CommandLine::Action::Search:
+        return runSearchCommand(argc, argv, *line.search);
     case CommandLine::Action::Status:
     case CommandLine::Action::Run:
         break;

@@ -10,20 +10,16 @@ namespace {
 constexpr int kNameChoices = 1000;
 } // namespace
 
-bool writeCaptureFile(const Picture& picture, int quality, const QString& destination,
-                      const CaptureStamp& stamp, const QString& tag) {
+std::optional<QString> writeCaptureFile(const Picture& picture, int quality, const QString& destination,
+                                        const CaptureStamp& stamp, const QString& tag) {
     // Asked anew for each file, so a folder that went away since the last one comes back.
     const std::optional<QString> folder = GetFolderItem(destination, FolderPlace::Pictures);
     if (!folder) {
-        return false;
+        return std::nullopt;
     }
     CreateAsFolder(*folder);
     const QDir into(*folder);
-    return writeNewProgressiveJpeg(picture, quality,
-                                   [&](int choice) {
-                                       return choice <= kNameChoices
-                                                  ? into.filePath(captureFileName(stamp, tag, choice))
-                                                  : QString();
-                                   })
-        .has_value();
+    return writeNewProgressiveJpeg(picture, quality, [&](int choice) {
+        return choice <= kNameChoices ? into.filePath(captureFileName(stamp, tag, choice)) : QString();
+    });
 }

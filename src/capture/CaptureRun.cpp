@@ -24,10 +24,13 @@ void keepScreen(const CaptureRunInput& input, int index, const Picture& picture,
         !unchanged->wanted(index, screenSignature(picture, ownWindow), input.policies.pKeepEveryRuns)) {
         return;
     }
-    if (!writeCaptureFile(picture, input.prefs.pQuality, input.prefs.pDestination, stamp,
-                          QString::number(index)) &&
-        compared) {
+    const std::optional<QString> path = writeCaptureFile(
+        picture, input.prefs.pQuality, input.prefs.pDestination, stamp, QString::number(index));
+    if (!path && compared) {
         unchanged->notWritten(index);
+    }
+    if (path && input.written) {
+        input.written(*path, picture);
     }
 }
 

@@ -1,16 +1,22 @@
 #pragma once
 
+#include "platform/Picture.h"
 #include "settings/mGeneralSettings.h"
 #include "settings/mPolicies.h"
 
 #include <QList>
 #include <QRect>
 
+#include <functional>
+
 #include <stop_token>
 
 class ScreenGrabber;
 class Clock;
 class UnchangedScreens;
+
+// Told of each screen picture that a run has written, with its pixels, on the run's thread.
+using ScreenPictureSink = std::function<void(const QString& path, const Picture& picture)>;
 
 // What one capture run works from, taken on the GUI thread when the run starts.
 struct CaptureRunInput {
@@ -20,6 +26,7 @@ struct CaptureRunInput {
     // The program's own main window in the same pixels, left out when screens are compared: it
     // shows white while a run starts. Empty while hidden or where its place is not known.
     QRect ownWindow{};
+    ScreenPictureSink written = {};
 };
 
 namespace mCodeBaseStd {

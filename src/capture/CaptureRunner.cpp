@@ -62,6 +62,7 @@ struct CaptureRunner::Impl {
     std::mutex mutex;
     std::list<RunThread> runs;
     bool toldOfStall = false; // GUI thread only
+    ScreenPictureSink sink;   // GUI thread only
 
     // Joins the threads whose run is over, so that a program running for days keeps no handles;
     // gives the number still under way.
@@ -142,11 +143,16 @@ void CaptureRunner::Run(CaptureRunInput input) {
         return;
     }
     m_impl->toldOfStall = false;
+    input.written = m_impl->sink;
     m_impl->start(std::move(input));
 }
 
 FreeSpaceWatch& CaptureRunner::freeSpace() {
     return m_impl->space;
+}
+
+void CaptureRunner::setScreenPictureSink(ScreenPictureSink sink) {
+    m_impl->sink = std::move(sink);
 }
 
 void CaptureRunner::waitForRuns() {

@@ -28,6 +28,8 @@ public:
     void Run(CaptureRunInput input);
     // Tells when the runs stop and start again for want of room on the disk.
     FreeSpaceWatch& freeSpace();
+    // Told of every screen picture that the runs started from now on write. GUI thread.
+    void setScreenPictureSink(ScreenPictureSink sink);
     // Blocks until no run is under way.
     void waitForRuns();
     // Waits at most `patience` for the runs under way; those still going are left to end with the

@@ -22,9 +22,10 @@ const QCommandLineOption
                            "own, OUT-screenN.mp4, unless --screen names one."),
             QStringLiteral("OUT.mp4"));
 const QCommandLineOption kFrom(QStringLiteral("from"),
-                               QStringLiteral("Time-lapse: the first picture's time."),
+                               QStringLiteral("Time-lapse and search: the first picture's time."),
                                QStringLiteral("YYYY-MM-DD[-HH-MM]"));
-const QCommandLineOption kTo(QStringLiteral("to"), QStringLiteral("Time-lapse: the last picture's time."),
+const QCommandLineOption kTo(QStringLiteral("to"),
+                             QStringLiteral("Time-lapse and search: the last picture's time."),
                              QStringLiteral("YYYY-MM-DD[-HH-MM]"));
 const QCommandLineOption kFps(QStringLiteral("fps"), QStringLiteral("Time-lapse: frames a second (10)."),
                               QStringLiteral("N"));
@@ -87,6 +88,12 @@ std::variant<TimelapseOptions, QString> readValues(const QCommandLineParser& par
     return options;
 }
 
+void printProgress(int done, int total) {
+    std::fprintf(stderr, "\rMaking the time-lapse: %d of %d pictures", done, total);
+    std::fflush(stderr);
+}
+} // namespace
+
 QString destinationSetting() {
     mProgramInfo::SetConstants();
     try {
@@ -96,12 +103,6 @@ QString destinationSetting() {
     }
     return mGeneralSettings::current().pDestination;
 }
-
-void printProgress(int done, int total) {
-    std::fprintf(stderr, "\rMaking the time-lapse: %d of %d pictures", done, total);
-    std::fflush(stderr);
-}
-} // namespace
 
 void addTimelapseOptions(QCommandLineParser& parser) {
     for (const QCommandLineOption& option : {kTarget, kFrom, kTo, kFps, kSize, kScreen}) {

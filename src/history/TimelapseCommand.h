@@ -15,6 +15,9 @@ void addTimelapseOptions(QCommandLineParser& parser);
 std::variant<std::monostate, TimelapseOptions, QString>
 readTimelapseOptions(const QCommandLineParser& parser);
 
+// The destination as the settings file names it, for a command that runs beside the program.
+QString destinationSetting();
+
 // Makes the time-lapse from the capture files of the destination that the settings name, in a
 // process of its own beside any running instance: no window, no lock, a progress line on the
 // terminal. The exit status.

@@ -9,6 +9,8 @@ namespace mPolicies {
 namespace {
 constexpr char kPrivacy[] = "Privacy";
 constexpr char kDisk[] = "Disk";
+constexpr char kSearch[] = "Search";
+constexpr char kLanguages[] = "[a-z_]+(\\+[a-z_]+)*";
 constexpr char kDays[] = "(Mon|Tue|Wed|Thu|Fri|Sat|Sun)(\\s*,\\s*(Mon|Tue|Wed|Thu|Fri|Sat|Sun))*";
 constexpr char kHours[] = "([01][0-9]|2[0-3]):[0-5][0-9]-(([01][0-9]|2[0-3]):[0-5][0-9]|24:00)";
 // A file read by key needs no more lines than a few times its keys; the rest is not read.
@@ -92,6 +94,24 @@ const SettingsTable<Policies, kKeyCount> kTable{{
      "TRUE",
      {},
      {.group = kDisk, .label = "Move Old Pictures to the Trash, Not Delete Them"}},
+    {"pSearchable",
+     &Policies::pSearchable,
+     "FALSE",
+     {},
+     {.group = kSearch,
+      .label = "Make pictures searchable",
+      .hint =
+          "Reads the text on each screen picture, never the webcam photo, on this computer, and keeps it "
+          "with where each word stands in text.sqlite in your data folder (~/.local/share/Kestrelview)."}},
+    {"pSearchLanguages",
+     &Policies::pSearchLanguages,
+     "eng",
+     {},
+     {.group = kSearch,
+      .label = "Languages of the Text",
+      .hint = "Tesseract's names of the installed languages joined by +, such as eng+deu",
+      .pattern = kLanguages,
+      .invalid = "Languages are Written as eng+deu ..."}},
 }};
 } // namespace
 
@@ -111,13 +131,20 @@ Policies current() {
     return g_policies.get();
 }
 
+Changes& changes() {
+    static Changes notifier;
+    return notifier;
+}
+
 void LoadPolicies() {
     const auto lines = readSettingsFile(fileName(), kMaxLines);
     g_policies.set(lines ? settingsFromKeyedLines(table(), *lines) : Policies());
+    emit changes().changed();
 }
 
 void SavePolicies(const Policies& policies) {
     g_policies.set(policies);
+    emit changes().changed();
     writeSettingsFile(fileName(), settingRecords(policies, table()));
 }
 } // namespace mPolicies

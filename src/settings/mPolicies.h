@@ -2,6 +2,7 @@
 
 #include "settings/SettingsTable.h"
 
+#include <QObject>
 #include <QString>
 
 #include <cstdint>
@@ -21,15 +22,25 @@ struct Policies {
     bool pSkipUnchanged{};         // a screen like its last picture is not written again
     std::int32_t pKeepEveryRuns{}; // ... except once in this many runs
     std::int32_t pFreeSpaceFloorMB{};
-    std::int32_t pKeepDays{}; // 0: keep all
-    std::int32_t pKeepGB{};   // 0: no cap
-    bool pRetireToTrash{};    // false: old pictures are deleted
+    std::int32_t pKeepDays{};   // 0: keep all
+    std::int32_t pKeepGB{};     // 0: no cap
+    bool pRetireToTrash{};      // false: old pictures are deleted
+    bool pSearchable{};         // the text on the screen pictures is read and kept for searching
+    QString pSearchLanguages{}; // the reader's languages, "eng+deu"
 
     bool operator==(const Policies&) const = default;
 };
 
-inline constexpr std::size_t kKeyCount = 12;
+inline constexpr std::size_t kKeyCount = 14;
 const SettingsTable<Policies, kKeyCount>& table();
+
+// Tells, on the GUI thread, that the rules in force may have changed: after each load and save.
+class Changes final : public QObject {
+    Q_OBJECT
+signals:
+    void changed();
+};
+Changes& changes();
 
 // A consistent copy of the rules in force, from any thread; the defaults until loaded.
 Policies current();

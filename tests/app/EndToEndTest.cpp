@@ -8,6 +8,8 @@
 #include "support/Printers.h"
 #include "support/RootPainter.h"
 
+#include "support/TextPicture.h"
+
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDir>
@@ -110,13 +112,13 @@ protected:
 
     // A later start, which ends by itself: its exit code; its output goes to m_output, its error
     // output to m_errors.
-    int runOnce(const QString& argument, const QString& bus = {}) {
+    int runOnce(const QString& argument, const QString& bus = {}, const QStringList& more = {}) {
         QProcessEnvironment environment = m_environment;
         environment.insert("DBUS_SESSION_BUS_ADDRESS",
                            bus.isEmpty() ? m_environment.value("DBUS_SESSION_BUS_ADDRESS") : bus);
         QProcess process;
         process.setProcessEnvironment(environment);
-        process.start(m_bin + "/kestrelview", QStringList{argument}.filter(QRegularExpression(".")));
+        process.start(m_bin + "/kestrelview", QStringList{argument}.filter(QRegularExpression(".")) + more);
         const bool ended = process.waitForFinished(30000);
         m_errors = QString::fromLocal8Bit(process.readAllStandardError());
         m_output = QString::fromLocal8Bit(process.readAllStandardOutput());
@@ -306,6 +308,40 @@ TEST_F(EndToEnd, OnAStillDesktopAScreenIsWrittenOnceInSoManyRunsAndAtOnceWhenItC
     }
     // Runs 1, 5 and 9 keep both screens, run 11 the changed one.
     EXPECT_EQ(perScreen, (std::map<int, int>{{0, 3}, {1, 4}}));
+}
+
+// Words at the sizes and in the fonts of a desktop, read off the screens by the real program and
+// found by a later start, also once the slideshow's archive has moved their picture.
+TEST_F(EndToEnd, TheWordsOnTheScreensAreFoundByALaterStartWhereverTheirPictureMoved) {
+    const QStringList words = knownWords();
+    const QStringList fonts{"DejaVu-Sans", "DejaVu-Serif", "DejaVu-Sans-Mono"};
+    std::vector<TextLine> lines;
+    for (int i = 0; i < 9; ++i) {
+        lines.push_back({words[2 * i] + ' ' + words[2 * i + 1], fonts[i % 3], (i / 3) * 4 + 11,
+                         QPoint(40 + (i % 3) * 400, 100 + i * 60)});
+    }
+    ASSERT_TRUE(paintRoot(textPicture(rootSize(), lines)));
+    ASSERT_TRUE(writeFile(m_bin + "/KestrelviewPolicies.ini", "<pSearchable>TRUE</pSearchable>\n"));
+    m_environment.insert("XDG_DATA_HOME", m_temp.filePath("data"));
+    start({{"pUpdateAtStartup", "FALSE"}, {"pHideWindow", "TRUE"}, {"pUseSpeech", "FALSE"}});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return runOnce("--capture-now") == 0; }, 15000));
+    const auto search = [&](const QString& query) { return runOnce("--search", {}, {query}); };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return search(words[16]) == 0; }, 180000)) << "never read";
+    for (const TextLine& line : lines) {
+        EXPECT_EQ(search('"' + line.text + '"'), 0) << line.text.toStdString() << " at " << line.pixels;
+        EXPECT_TRUE(m_output.contains(QRegularExpression("^\\S+ \\S+\t.*-0\\.jpg\t.*" + line.text,
+                                                         QRegularExpression::CaseInsensitiveOption)))
+            << m_output.toStdString();
+    }
+    EXPECT_EQ(search(words[18]), 1) << "not on the screen: " << m_output.toStdString();
+    EXPECT_EQ(search("harb* NOT quarter"), 0);
+    const QString picture = m_output.section('\t', 1, 1);
+    const QString archived =
+        m_bin + "/Screen ImagesArchive_2026-03-07-09-05/" + QFileInfo(picture).fileName();
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(archived).path()) && QFile::rename(picture, archived));
+    EXPECT_EQ(search("harbour"), 0);
+    EXPECT_EQ(m_output.section('\t', 1, 1), archived);
+    quit();
 }
 
 // In the desktop's session: its runtime folder holds the compositor's socket, its bus the portal.
