@@ -188,7 +188,8 @@ TEST_F(Stores, PoliciesAreReadByKeyAndWhatIsMissingOrDamagedTakesItsDefault) {
               "<pPrivateWindows></pPrivateWindows>\n<pPrivateCamera>FALSE</pPrivateCamera>\n"
               "<pSkipUnchanged>TRUE</pSkipUnchanged>\n<pKeepEveryRuns>12</pKeepEveryRuns>\n"
               "<pFreeSpaceFloorMB>1024</pFreeSpaceFloorMB>\n<pKeepDays>0</pKeepDays>\n<pKeepGB>0</pKeepGB>\n"
-              "<pRetireToTrash>TRUE</pRetireToTrash>\n");
+              "<pRetireToTrash>TRUE</pRetireToTrash>\n<pSearchable>FALSE</pSearchable>\n"
+              "<pSearchLanguages>eng</pSearchLanguages>\n");
     const std::tuple<const char*, QByteArray, Policies> cases[] = {
         {"any order, keys in any case, unknown keys passed over",
          "<pUnknown>1</pUnknown>\n<pKeepDays>30</pKeepDays>\n<PIDLEMINUTES>5</pidleminutes>\n",
@@ -198,10 +199,11 @@ TEST_F(Stores, PoliciesAreReadByKeyAndWhatIsMissingOrDamagedTakesItsDefault) {
         {"damaged values",
          "<pIdleMinutes>soon</pIdleMinutes>\n<pKeepEveryRuns>-3</pKeepEveryRuns>\n<pKeepGB>1e400</pKeepGB>\n"
          "<pCaptureHours>08:00-25:00</pCaptureHours>\n<pCaptureDays>mon, FRI</pCaptureDays>\n"
-         "<pPauseWhenLocked>yes</pPauseWhenLocked>\n<pPrivateCamera>tRUE</pPrivateCamera>",
+         "<pPauseWhenLocked>yes</pPauseWhenLocked>\n<pPrivateCamera>tRUE</pPrivateCamera>\n"
+         "<pSearchLanguages>eng; ../../x</pSearchLanguages>\n<pSearchable>True</pSearchable>",
          policiesWith([](Policies& p) {
              p.pKeepEveryRuns = 1, p.pKeepGB = 1048576, p.pCaptureDays = "mon, FRI";
-             p.pPauseWhenLocked = false, p.pPrivateCamera = true;
+             p.pPauseWhenLocked = false, p.pPrivateCamera = p.pSearchable = true;
          })},
         {"a record cut by the line cap", "<pPrivateWindows>" + QByteArray(70000, 'x') + "</pPrivateWindows>",
          Policies()},
