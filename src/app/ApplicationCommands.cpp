@@ -9,6 +9,8 @@
 #include "history/wHistory.h"
 #include "platform/filemanager/FileManager.h"
 #include "schedule/WaitReason.h"
+#include "search/SearchRuns.h"
+#include "search/TextIndex.h"
 #include "settings/mGeneralSettings.h"
 
 #include <QApplication>
@@ -40,7 +42,11 @@ bool _ToolsHideMainWindow_Action(wMain& window) {
 bool _ToolsHistory_Action() {
     static QPointer<wHistory> window;
     if (window.isNull()) {
-        window = new wHistory([] { return mGeneralSettings::current().pDestination; }, makeFileManager());
+        window = new wHistory([] { return mGeneralSettings::current().pDestination; }, makeFileManager(),
+                              [](const QString& query) {
+                                  return searchRuns(TextIndex::defaultPath(),
+                                                    mGeneralSettings::current().pDestination, query);
+                              });
         // Its workers are joined before the program's own threads go.
         QObject::connect(qApp, &QCoreApplication::aboutToQuit, window, [] { delete window.data(); });
     }

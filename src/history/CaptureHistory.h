@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDate>
+#include <QRectF>
 #include <QString>
 #include <QTime>
 
@@ -10,6 +11,8 @@
 struct CapturePicture {
     QString path;
     int source = 0;
+    // Where a search found its words, as parts of the picture's width and height.
+    std::vector<QRectF> marks = {};
 };
 
 // The pictures that carry one second's stamp: screens in order, the camera last.

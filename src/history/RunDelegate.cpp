@@ -8,12 +8,24 @@
 
 namespace {
 const QColor kPlaceholder(96, 96, 96);
+const QColor kMark(255, 200, 0, 110);
 
 // The thumbnail scaled into the slot, keeping its shape, centred.
 QRect fitted(QSize thumbnail, const QRect& slot) {
     const QSize size = thumbnail.scaled(slot.size(), Qt::KeepAspectRatio);
     return QRect(slot.left() + (slot.width() - size.width()) / 2,
                  slot.top() + (slot.height() - size.height()) / 2, size.width(), size.height());
+}
+
+// A found word stays visible on the thumbnail however small it is there.
+void drawMarks(QPainter& painter, const QRect& drawn, const std::vector<QRectF>& marks) {
+    constexpr double kLeast = 3;
+    for (const QRectF& mark : marks) {
+        painter.fillRect(QRectF(drawn.x() + mark.x() * drawn.width(), drawn.y() + mark.y() * drawn.height(),
+                                std::max(kLeast, mark.width() * drawn.width()),
+                                std::max(kLeast, mark.height() * drawn.height())),
+                         kMark);
+    }
 }
 } // namespace
 
@@ -46,7 +58,9 @@ void RunDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
         if (thumbnail.isNull()) {
             painter->fillRect(place, kPlaceholder);
         } else {
-            painter->drawImage(fitted(thumbnail.size(), place), thumbnail);
+            const QRect drawn = fitted(thumbnail.size(), place);
+            painter->drawImage(drawn, thumbnail);
+            drawMarks(*painter, drawn, run->pictures[std::size_t(slot)].marks);
         }
     }
     painter->restore();

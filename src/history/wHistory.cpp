@@ -8,16 +8,20 @@
 #include "history/TimelapseBar.h"
 #include "platform/filemanager/FileManager.h"
 
+#include <QApplication>
 #include <QDesktopServices>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QImageReader>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListView>
 #include <QListWidget>
+#include <QPointer>
 #include <QPushButton>
 #include <QSlider>
 #include <QStackedWidget>
+#include <QThreadPool>
 #include <QUrl>
 
 namespace {
@@ -30,9 +34,10 @@ QString dayText(const CaptureDay& day) {
 } // namespace
 
 wHistory::wHistory(std::function<QString()> destinationSetting, std::unique_ptr<FileManager> fileManager,
-                   QWidget* parent)
+                   RunSearch search, QWidget* parent)
     : QWidget(parent)
     , m_fileManager(std::move(fileManager))
+    , m_search(std::move(search))
     , m_index(new HistoryIndex(std::move(destinationSetting), this))
     , m_thumbnails(new ThumbnailLoader(qsizetype{64} << 20, this))
     , m_runModel(new RunListModel(this))
@@ -56,7 +61,7 @@ wHistory::wHistory(std::function<QString()> destinationSetting, std::unique_ptr<
     bottom->addWidget(new TimelapseBar([this] { return chosenRuns(); }), 1);
     bottom->addWidget(showInFolderButton);
     auto* body = new QHBoxLayout;
-    body->addWidget(m_days);
+    body->addWidget(m_search ? makeSearchField() : m_days);
     body->addWidget(m_pages, 1);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(body, 1);
@@ -69,6 +74,55 @@ wHistory::wHistory(std::function<QString()> destinationSetting, std::unique_ptr<
 }
 
 wHistory::~wHistory() = default;
+
+QWidget* wHistory::makeSearchField() {
+    auto* field = new QLineEdit;
+    field->setObjectName("search");
+    field->setPlaceholderText(QStringLiteral("Search the text on the pictures"));
+    field->setClearButtonEnabled(true);
+    field->setFixedWidth(kDaysWidth);
+    connect(field, &QLineEdit::returnPressed, this, &wHistory::searchEntered);
+    auto* column = new QWidget;
+    auto* layout = new QVBoxLayout(column);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(field);
+    layout->addWidget(m_days, 1);
+    return column;
+}
+
+// The search runs on the pool; an empty field goes back to the chosen day.
+void wHistory::searchEntered() {
+    const QString query = findChild<QLineEdit*>("search")->text().trimmed();
+    if (query.isEmpty()) {
+        m_showingFound = false;
+        historyChanged();
+        return;
+    }
+    QThreadPool::globalInstance()->start([window = QPointer<wHistory>(this), search = m_search, query] {
+        std::vector<CaptureRun> runs = search(query);
+        // The window may be gone by now; only the GUI thread can tell.
+        QMetaObject::invokeMethod(
+            qApp,
+            [window, runs = std::move(runs)] {
+                if (window) {
+                    window->showFound(runs);
+                }
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+void wHistory::showFound(const std::vector<CaptureRun>& runs) {
+    m_showingFound = true;
+    m_days->setCurrentRow(-1);
+    m_thumbnails->forgetQueued();
+    m_runModel->setRuns(runs);
+    const QSignalBlocker quiet(m_scrubber);
+    m_scrubber->setRange(0, std::max(0, m_runModel->rowCount() - 1));
+    m_runs->setCurrentIndex(m_runModel->index(0));
+    leavePicture();
+    currentRunChanged();
+}
 
 QWidget* wHistory::makeRunsPage() {
     m_runs->setObjectName("runs");
@@ -123,6 +177,10 @@ QWidget* wHistory::makePicturePage() {
 
 // A new reading keeps the chosen day and run where they are still there.
 void wHistory::historyChanged() {
+    if (m_showingFound) {
+        fillDays(); // the results stay until the search is left
+        return;
+    }
     const QDate chosen =
         m_days->currentItem() != nullptr ? m_days->currentItem()->data(Qt::UserRole).toDate() : QDate();
     const CaptureRun* run = currentRun();
@@ -157,6 +215,10 @@ void wHistory::fillDays() {
 // The newest run of the day comes first into view.
 void wHistory::dayChosen() {
     const int row = m_days->currentRow();
+    if (m_showingFound && row < 0) {
+        return;
+    }
+    m_showingFound = false;
     const CaptureHistory& history = m_index->history();
     m_thumbnails->forgetQueued();
     m_runModel->setRuns(row >= 0 && row < int(history.size()) ? history[std::size_t(row)].runs

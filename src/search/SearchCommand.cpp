@@ -2,15 +2,13 @@
 
 #include "history/TimelapseCommand.h"
 #include "history/TimelapsePlan.h"
-#include "search/CapturePictures.h"
+#include "search/PicturePlaces.h"
 #include "search/TextIndex.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QFile>
 
 #include <cstdio>
-#include <map>
 
 namespace {
 const QCommandLineOption
@@ -23,31 +21,9 @@ const QCommandLineOption
 constexpr int kNothingMatched = 1;
 constexpr int kNoQuery = 2;
 
-// Where a picture is now: where the index saw it last, or, moved since, wherever its name is.
-class Whereabouts {
-public:
-    QString of(const IndexedPicture& picture) {
-        if (QFile::exists(picture.path)) {
-            return picture.path;
-        }
-        if (!m_paths) {
-            m_paths.emplace();
-            for (const IndexedPicture& onDisk :
-                 screenPicturesOnDisk(destinationSetting()).value_or(std::vector<IndexedPicture>())) {
-                m_paths->emplace(onDisk.name, onDisk.path);
-            }
-        }
-        const auto found = m_paths->find(picture.name);
-        return found == m_paths->end() ? picture.path : found->second;
-    }
-
-private:
-    std::optional<std::map<QString, QString>> m_paths;
-};
-
 void printHits(const std::vector<SearchHit>& hits, const QString& query) {
     const QStringList terms = searchTerms(query);
-    Whereabouts whereabouts;
+    PicturePlaces places(destinationSetting());
     for (const SearchHit& hit : hits) {
         QString line = matchingLine(hit.body, terms);
         if (line.isEmpty()) {
@@ -55,7 +31,7 @@ void printHits(const std::vector<SearchHit>& hits, const QString& query) {
         }
         std::printf("%s\t%s\t%s\n",
                     qPrintable(hit.picture.taken.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"))),
-                    qPrintable(whereabouts.of(hit.picture)), qPrintable(line));
+                    qPrintable(places.of(hit.picture)), qPrintable(line));
     }
 }
 } // namespace
