@@ -324,7 +324,8 @@ TEST_F(EndToEnd, TheWordsOnTheScreensAreFoundByALaterStartWhereverTheirPictureMo
     ASSERT_TRUE(writeFile(m_bin + "/KestrelviewPolicies.ini", "<pSearchable>TRUE</pSearchable>\n"));
     m_environment.insert("XDG_DATA_HOME", m_temp.filePath("data"));
     start({{"pUpdateAtStartup", "FALSE"}, {"pHideWindow", "TRUE"}, {"pUseSpeech", "FALSE"}});
-    ASSERT_TRUE(QTest::qWaitFor([&] { return runOnce("--capture-now") == 0; }, 15000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return runOnce("--status") == 0; }, 15000));
+    ASSERT_EQ(runOnce("--capture-now"), 0);
     const auto search = [&](const QString& query) { return runOnce("--search", {}, {query}); };
     ASSERT_TRUE(QTest::qWaitFor([&] { return search(words[16]) == 0; }, 180000)) << "never read";
     for (const TextLine& line : lines) {

@@ -1,7 +1,5 @@
 #include "platform/recognizer/GreyPicture.h"
 
-#include <algorithm>
-
 namespace {
 // ITU-R BT.601 weights in 1/256ths, as the reader's own conversion uses.
 std::uint8_t brightness(std::uint8_t red, std::uint8_t green, std::uint8_t blue) {
@@ -20,33 +18,16 @@ void greyRow(const Picture& picture, int y, std::uint8_t* out) {
         }
     }
 }
-
-// Linear between neighbours, so that the reader sees strokes, not steps.
-void widenRow(const std::uint8_t* row, int width, int scale, std::uint8_t* out) {
-    for (int x = 0; x < width * scale; ++x) {
-        const int from = x / scale;
-        const int to = std::min(from + 1, width - 1);
-        const int part = x % scale;
-        out[x] = std::uint8_t((row[from] * (scale - part) + row[to] * part) / scale);
-    }
-}
 } // namespace
 
-GreyPicture greyPicture(const Picture& picture, int scale) {
-    scale = std::clamp(scale, 1, 4);
-    GreyPicture grey{picture.width * scale, picture.height * scale, {}};
+GreyPicture greyPicture(const Picture& picture) {
     if (picture.isNull()) {
         return {};
     }
+    GreyPicture grey{picture.width, picture.height, {}};
     grey.pixels.resize(std::size_t(grey.width) * std::size_t(grey.height));
-    std::vector<std::uint8_t> row(std::size_t(picture.width));
     for (int y = 0; y < picture.height; ++y) {
-        greyRow(picture, y, row.data());
-        std::uint8_t* first = grey.pixels.data() + std::size_t(y * scale) * std::size_t(grey.width);
-        widenRow(row.data(), picture.width, scale, first);
-        for (int copy = 1; copy < scale; ++copy) {
-            std::copy_n(first, grey.width, first + std::size_t(copy) * std::size_t(grey.width));
-        }
+        greyRow(picture, y, grey.pixels.data() + std::size_t(y) * std::size_t(grey.width));
     }
     return grey;
 }

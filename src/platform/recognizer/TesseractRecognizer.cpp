@@ -11,8 +11,8 @@
 extern "C" void omp_set_num_threads(int count);
 
 namespace {
-// Screen text is small: at twice its size the reader finds words of 11 pixels and more.
-constexpr int kScale = 2;
+// Screens show text at about 96 dots an inch; below 70 the reader would guess, and say so.
+constexpr int kScreenDpi = 96;
 
 QString modelFolder() {
     const QString prefix = qEnvironmentVariable("TESSDATA_PREFIX");
@@ -25,7 +25,7 @@ QRect wordBox(const tesseract::ResultIterator& words) {
     int right = 0;
     int bottom = 0;
     words.BoundingBox(tesseract::RIL_WORD, &left, &top, &right, &bottom);
-    return {QPoint(left / kScale, top / kScale), QPoint((right - 1) / kScale, (bottom - 1) / kScale)};
+    return {QPoint(left, top), QPoint(right - 1, bottom - 1)};
 }
 
 std::vector<RecognizedWord> collectWords(tesseract::ResultIterator& words) {
@@ -52,7 +52,10 @@ std::unique_ptr<TesseractRecognizer> TesseractRecognizer::load(const QString& la
         api->Init(folder.constData(), languages.toUtf8().constData(), tesseract::OEM_LSTM_ONLY) != 0) {
         return nullptr;
     }
+    // Screens are text scattered among pictures and controls, not pages of columns.
     api->SetPageSegMode(tesseract::PSM_SPARSE_TEXT);
+    // Its remarks on each picture would fill the program's error output.
+    api->SetVariable("debug_file", "/dev/null");
     return std::unique_ptr<TesseractRecognizer>(new TesseractRecognizer(std::move(api)));
 }
 
@@ -79,9 +82,9 @@ std::optional<std::vector<RecognizedWord>> TesseractRecognizer::read(const Pictu
         return std::nullopt;
     }
     omp_set_num_threads(1);
-    const GreyPicture grey = greyPicture(picture, kScale);
+    const GreyPicture grey = greyPicture(picture);
     m_api->SetImage(grey.pixels.data(), grey.width, grey.height, 1, grey.width);
-    m_api->SetSourceResolution(70 * kScale);
+    m_api->SetSourceResolution(kScreenDpi);
     tesseract::ETEXT_DESC monitor;
     monitor.cancel = [](void* token, int) noexcept {
         return static_cast<std::stop_token*>(token)->stop_requested();
