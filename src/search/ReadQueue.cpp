@@ -24,7 +24,3 @@ std::optional<ReadJob> ReadQueue::take(const std::stop_token& stop,
     m_jobs.pop_front();
     return job;
 }
-
-std::optional<ReadJob> ReadQueue::takeWaiting() {
-    return take({}, std::chrono::steady_clock::time_point::min());
-}

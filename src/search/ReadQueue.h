@@ -29,8 +29,6 @@ public:
     void push(const QString& path, const Picture& pixels);
     // The oldest job; none once `until` has come or a stop is asked for.
     std::optional<ReadJob> take(const std::stop_token& stop, std::chrono::steady_clock::time_point until);
-    // The oldest job, if one waits.
-    std::optional<ReadJob> takeWaiting();
 
 private:
     std::mutex m_mutex;

@@ -140,6 +140,10 @@ void TextReader::add(const QString& path, const Picture& picture) {
     m_impl->queue.push(path, picture);
 }
 
+void TextReader::stop() {
+    m_impl->thread.request_stop();
+}
+
 int TextReader::picturesRead() const {
     return m_impl->read.load();
 }

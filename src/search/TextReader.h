@@ -21,13 +21,16 @@ public:
     };
 
     explicit TextReader(Setup setup);
-    // Stops at once; the picture being read is read again another time.
+    // Stops at once and waits for the thread, which at idle priority may take a moment on a busy
+    // machine; the picture being read is read again another time.
     ~TextReader();
     TextReader(const TextReader&) = delete;
     TextReader& operator=(const TextReader&) = delete;
 
     // A screen picture just written at `path`. Any thread; returns at once.
     void add(const QString& path, const Picture& picture);
+    // Asks the thread to end, without waiting for it.
+    void stop();
     // The pictures whose text went into the index since the start.
     int picturesRead() const;
 

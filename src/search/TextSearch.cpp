@@ -9,9 +9,7 @@ TextSearch::TextSearch(QString indexPath)
     connect(&mPolicies::changes(), &mPolicies::Changes::changed, this, &TextSearch::applyPolicies);
 }
 
-TextSearch::~TextSearch() {
-    replaceReader(nullptr);
-}
+TextSearch::~TextSearch() = default;
 
 void TextSearch::pictureWritten(const QString& path, const Picture& picture) {
     std::lock_guard lock(m_mutex);
@@ -44,11 +42,11 @@ void TextSearch::applyPolicies() {
         m_indexPath, m_languages, [] { return mGeneralSettings::current().pDestination; }}));
 }
 
-// The reader that goes is joined outside the lock, so that no capture run waits for it.
 void TextSearch::replaceReader(std::unique_ptr<TextReader> reader) {
-    {
-        std::lock_guard lock(m_mutex);
-        std::swap(m_reader, reader);
+    std::lock_guard lock(m_mutex);
+    std::swap(m_reader, reader);
+    if (reader) {
+        reader->stop();
+        m_stopped.push_back(std::move(reader));
     }
-    reader.reset();
 }

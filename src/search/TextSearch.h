@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <mutex>
+#include <vector>
 
 // The pictures made searchable as the rules say: while "Make pictures searchable" is on, a
 // reader takes each new screen picture and those on the disk; switched off, it stops, and the
@@ -34,4 +35,6 @@ private:
     QString m_languages; // of the reader that runs; GUI thread
     std::mutex m_mutex;
     std::unique_ptr<TextReader> m_reader;
+    // Readers told to stop, joined when this goes: the GUI thread never waits for one.
+    std::vector<std::unique_ptr<TextReader>> m_stopped;
 };

@@ -1,16 +1,22 @@
 // The history window's search field over a real index: the runs found, newest first, with the
 // found words marked on their thumbnails, a picture opened with Enter, and the day back when the
 // field is emptied.
+#include "base/mProgramInfo.h"
 #include "history/RunDelegate.h"
 #include "history/wHistory.h"
+#include "platform/FolderItem.h"
 #include "platform/filemanager/NullFileManager.h"
 #include "search/CapturePictures.h"
 #include "search/SearchRuns.h"
 #include "search/TextIndex.h"
+#include "search/TextSearch.h"
+#include "settings/mPolicies.h"
 
 #include <QDir>
 #include <QLineEdit>
 #include <QListView>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QStackedWidget>
 #include <QTemporaryDir>
 #include <QTest>
@@ -65,5 +71,40 @@ TEST(SearchWindow, ShowsTheRunsFoundWithTheWordsMarkedAndOpensOneWithEnter) {
     window.findChild<QLineEdit*>("search")->clear();
     QTest::keyClick(window.findChild<QLineEdit*>("search"), Qt::Key_Return);
     EXPECT_EQ(runs->model()->rowCount(), 3) << "the day again";
+}
+
+// The rule switched on starts the reader, which makes the index; switched off, it stops it and
+// asks whether the index should go.
+TEST(SearchSwitch, OffStopsTheReaderAndDeletesTheIndexWhenTheUserSaysSo) {
+    const QTemporaryDir folder;
+    platform::setApplicationFolder(folder.path());
+    mProgramInfo::SetConstants();
+    const QString indexPath = folder.filePath("data/text.sqlite");
+    TextSearch search(indexPath);
+    mPolicies::Policies policies;
+    policies.pSearchable = true;
+    mPolicies::SavePolicies(policies);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(indexPath); }, 10000));
+    policies.pSearchable = false;
+    mPolicies::SavePolicies(policies);
+    QMessageBox* question = nullptr;
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] {
+            for (QWidget* window : QApplication::topLevelWidgets()) {
+                if (window->objectName() == "deleteIndexQuestion" && window->isVisible()) {
+                    question = qobject_cast<QMessageBox*>(window);
+                }
+            }
+            return question != nullptr;
+        },
+        10000));
+    for (QAbstractButton* button : question->buttons()) {
+        if (button->text() == "Delete") {
+            button->click();
+        }
+    }
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return !QFile::exists(indexPath) && !QFile::exists(indexPath + "-wal"); }, 10000));
+    platform::setApplicationFolder(QString());
 }
 } // namespace
