@@ -2,7 +2,7 @@
 # Times the reading of one 1920x1080 screen of text with the model loaded once against the
 # tesseract command line on the same picture, the CPU that adds at the default interval, the
 # share of words read back at 11 px and above, and the median search in an index of 100,000
-# pictures' text.
+# pictures' text (the index is kept beside the build for the next run).
 # Usage: bench/search/run.sh [build-dir] [--pictures N]
 set -euo pipefail
 source "$(dirname "$0")/../common.sh"
@@ -23,4 +23,4 @@ for i in 1 2 3 4 5; do
 done
 cat "$work"/time.* | sort -n | sed -n 3p | awk '{ printf "  wall %.0f ms, CPU %.0f ms\n", $1 * 1000, ($2 + $3) * 1000 }'
 echo "words read back:"; "$bench" --recall
-echo "searches:"; "$bench" --query "$pictures" "$work/text.sqlite"
+echo "searches:"; "$bench" --query "$pictures" "$build/bench/search/text-$pictures.sqlite"
