@@ -10,9 +10,9 @@
 #include "platform/Clock.h"
 #include "platform/WaylandSession.h"
 #include "platform/screen/ScreenGrabber.h"
+#include "search/TextIndex.h"
 #include "settings/mGeneralSettings.h"
 #include "settings/mPolicies.h"
-#include "search/TextIndex.h"
 #include "slideshow/wMovie.h"
 
 #include <QCoreApplication>
