@@ -3,6 +3,7 @@
 #else
 #include <QCoreApplication>
 #endif
+#include <QEventLoop>
 #include <QMetaObject>
 #include <QProcessEnvironment>
 
@@ -57,6 +58,9 @@ int main(int argc, char** argv) {
     ::testing::UnitTest::GetInstance()->listeners().Append(new EnvironmentKeeper); // gtest owns it
 #ifdef KV_TEST_OFF_GUI_THREAD
     std::thread tests([&app] {
+        // An event loop gives the thread its event dispatcher, without which a test's
+        // QTest::qWaitFor delivers nothing to the sockets and timers it made here.
+        { const QEventLoop dispatcher; }
         const int result = RUN_ALL_TESTS();
         QMetaObject::invokeMethod(
             &app, [result] { QCoreApplication::exit(result); }, Qt::QueuedConnection);
